@@ -1,0 +1,43 @@
+# How a room of the house is built: one static library per folder, all its sources, warnings as errors.
+
+find_package(PkgConfig REQUIRED)
+find_package(Threads REQUIRED)
+find_package(GTest REQUIRED)
+find_package(pugixml REQUIRED)
+
+set(KESTRUM_WARNINGS -Wall -Wextra -Werror -Wpedantic -Wshadow -Wnon-virtual-dtor)
+
+# kestrum_library(NAME libs...): every .cpp below the current folder becomes part of the static library NAME.
+function(kestrum_library name)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
+  add_library(${name} STATIC ${sources})
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+  target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
+  target_compile_options(${name} PRIVATE ${KESTRUM_WARNINGS})
+  target_link_libraries(${name} PUBLIC ${ARGN})
+endfunction()
+
+# kestrum_program(NAME libs...): the executable NAME from the .cpp files of the folder NAME.
+function(kestrum_program name)
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.h")
+  add_executable(${name} ${sources})
+  target_compile_options(${name} PRIVATE ${KESTRUM_WARNINGS})
+  target_link_libraries(${name} PRIVATE ${ARGN})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+endfunction()
+
+# kestrum_tests(NAME LABEL libs...): one test program from every *_test.cpp of the current folder.
+# LABEL is `unit` (portable, under the sanitizers too), `adapter` (needs the real thing) or `e2e`.
+function(kestrum_tests name label)
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(${name} ${sources})
+  target_compile_options(${name} PRIVATE ${KESTRUM_WARNINGS})
+  target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+  target_compile_definitions(${name} PRIVATE KESTRUM_SOURCE_DIR="${PROJECT_SOURCE_DIR}" KESTRUM_BIN_DIR="${PROJECT_BINARY_DIR}/bin")
+  target_link_libraries(${name} PRIVATE ${ARGN} GTest::gtest_main)
+  add_test(NAME ${name} COMMAND ${name})
+  set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT 900)
+endfunction()
