@@ -22,7 +22,7 @@ enum class ErrorNumber : std::int32_t {
     PermissionDenied = 70,
     PathNotFound = 76,
     ObjectNotSet = 91,
-    Automation = 440,     ///< the office answered with an error, or is dead
+    Automation = 440,  ///< the office answered with an error, or is dead
     DuplicateKey = 457,
 };
 

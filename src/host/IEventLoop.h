@@ -38,8 +38,7 @@ class IEventLoop {
     /// Calls `callback` every `intervalMs` (at least 1) from a pump, first after one interval. Order of timers that
     /// fall due together: due time, then creation. `name` appears in traces.
     [[nodiscard]] virtual std::unique_ptr<ITimer> StartTimer(const String& name, std::int32_t intervalMs,
-                                                             TimerReentry reentry,
-                                                             std::function<void()> callback) = 0;
+                                                             TimerReentry reentry, std::function<void()> callback) = 0;
 
     /// Runs `task` from the next pump. May be called from any thread; the only member that may.
     virtual void Post(std::function<void()> task) = 0;
