@@ -10,8 +10,13 @@ set(KESTRUM_WARNINGS -Wall -Wextra -Werror -Wpedantic -Wshadow -Wnon-virtual-dto
 # kestrum_library(NAME libs...): every .cpp below the current folder becomes part of the static library NAME.
 function(kestrum_library name)
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
+  if(NOT sources MATCHES "\\.cpp")
+    add_library(${name} INTERFACE) # a room whose first file is still to come
+    target_include_directories(${name} INTERFACE "${PROJECT_SOURCE_DIR}/src")
+    target_link_libraries(${name} INTERFACE ${ARGN})
+    return()
+  endif()
   add_library(${name} STATIC ${sources})
-  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
   target_include_directories(${name} PUBLIC "${PROJECT_SOURCE_DIR}/src")
   target_compile_options(${name} PRIVATE ${KESTRUM_WARNINGS})
   target_link_libraries(${name} PUBLIC ${ARGN})
