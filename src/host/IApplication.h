@@ -70,6 +70,11 @@ class ISlideShowView {
     virtual void GotoSlide(std::int32_t index, bool resetSlide) = 0;
     /// The next step of the show as the Right key does it: a build, the next visible slide, or the end. Re-enters.
     virtual void Next() = 0;
+    /// True while builds of the slide on screen wait for a click.
+    virtual bool ClicksLeft() = 0;
+    /// Goes to the next slide of the show (hidden slides and waiting builds are passed over); false if the slide on
+    /// screen is the last one. Re-enters.
+    virtual bool NextSlide() = 0;
     /// Ends the show. Returns after the end event was dispatched (re-enters).
     virtual void Exit() = 0;
 };
