@@ -5,6 +5,9 @@ find_package(Threads REQUIRED)
 find_package(GTest REQUIRED)
 find_package(pugixml REQUIRED)
 
+# The folder that a build makes ready to use: all programs beside the files of install/.
+set(KESTRUM_INSTALL_FOLDER "${PROJECT_BINARY_DIR}/install")
+
 set(KESTRUM_WARNINGS -Wall -Wextra -Werror -Wpedantic -Wshadow -Wnon-virtual-dtor)
 
 # kestrum_library(NAME libs...): every .cpp below the current folder becomes part of the static library NAME.
@@ -28,7 +31,7 @@ function(kestrum_program name)
   add_executable(${name} ${sources})
   target_compile_options(${name} PRIVATE ${KESTRUM_WARNINGS})
   target_link_libraries(${name} PRIVATE ${ARGN})
-  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${KESTRUM_INSTALL_FOLDER}")
 endfunction()
 
 # kestrum_tests(NAME LABEL libs...): one test program from every *_test.cpp of the current folder.
@@ -41,8 +44,22 @@ function(kestrum_tests name label)
   add_executable(${name} ${sources})
   target_compile_options(${name} PRIVATE ${KESTRUM_WARNINGS})
   target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
-  target_compile_definitions(${name} PRIVATE KESTRUM_SOURCE_DIR="${PROJECT_SOURCE_DIR}" KESTRUM_BIN_DIR="${PROJECT_BINARY_DIR}/bin")
+  target_compile_definitions(${name} PRIVATE KESTRUM_SOURCE_DIR="${PROJECT_SOURCE_DIR}" KESTRUM_BIN_DIR="${KESTRUM_INSTALL_FOLDER}")
   target_link_libraries(${name} PRIVATE ${ARGN} GTest::gtest_main)
   add_test(NAME ${name} COMMAND ${name})
   set_tests_properties(${name} PROPERTIES LABELS ${label} TIMEOUT 900)
+endfunction()
+
+# kestrum_install_files(): copies install/ into the ready folder whenever one of its files changes.
+function(kestrum_install_files)
+  file(GLOB_RECURSE files CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/install/*")
+  set(stamp "${PROJECT_BINARY_DIR}/install-files.stamp")
+  add_custom_command(
+    OUTPUT "${stamp}"
+    COMMAND ${CMAKE_COMMAND} -E copy_directory "${PROJECT_SOURCE_DIR}/install" "${KESTRUM_INSTALL_FOLDER}"
+    COMMAND ${CMAKE_COMMAND} -E create_symlink /usr/bin/ffmpeg "${KESTRUM_INSTALL_FOLDER}/ffmpeg"
+    COMMAND ${CMAKE_COMMAND} -E touch "${stamp}"
+    DEPENDS ${files}
+    COMMENT "Laying out the install folder")
+  add_custom_target(install_files ALL DEPENDS "${stamp}")
 endfunction()
