@@ -1,0 +1,133 @@
+#include "apps/kestrum/CommandLine.h"
+
+#include <charconv>
+#include <cmath>
+
+namespace kestrum::app {
+namespace {
+
+constexpr double kShortestAdvance = 0.1;
+constexpr double kLongestAdvance = 86400;
+
+/// Walks over the words: options by name, everything else in order.
+class Words {
+  public:
+    explicit Words(const std::vector<std::string>& arguments) : m_words(arguments) {}
+
+    bool AtEnd() const { return m_next >= m_words.size(); }
+    const std::string& Take() { return m_words[m_next++]; }
+    const std::string& TakeValue(const std::string& option) {
+        if (AtEnd()) throw UsageError(option + " needs a value.");
+        return Take();
+    }
+
+  private:
+    const std::vector<std::string>& m_words;
+    std::size_t m_next = 0;
+};
+
+bool IsOption(const std::string& word) { return word.size() > 1 && word[0] == '-'; }
+
+void TakeOperand(std::string& target, const std::string& word, const std::string& what) {
+    if (!target.empty()) throw UsageError("Only one " + what + " can be given; \"" + word + "\" is one too many.");
+    target = word;
+}
+
+std::int32_t SlideNumber(const std::string& text) {
+    std::int32_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size() || number < 1) {
+        throw UsageError("--from needs the number of a slide, 1 or more, not \"" + text + "\".");
+    }
+    return number;
+}
+
+std::int32_t Milliseconds(const std::string& text) {
+    double seconds = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
+    const bool whole = error == std::errc() && end == text.data() + text.size();
+    if (!whole || !(seconds >= kShortestAdvance && seconds <= kLongestAdvance)) {
+        throw UsageError("--advance needs the seconds that each slide stays, 0.1 to 86400, not \"" + text + "\".");
+    }
+    return static_cast<std::int32_t>(std::lround(seconds * 1000));
+}
+
+RecordRequest ParseRecord(Words& words) {
+    RecordRequest request;
+    while (!words.AtEnd()) {
+        const std::string word = words.Take();
+        if (word == "--from") {
+            request.from = SlideNumber(words.TakeValue(word));
+        } else if (word == "--advance") {
+            request.advanceMs = Milliseconds(words.TakeValue(word));
+        } else if (IsOption(word)) {
+            throw UsageError("record has no option " + word + ".");
+        } else {
+            TakeOperand(request.deck, word, "presentation");
+        }
+    }
+    if (request.deck.empty()) throw UsageError("record needs a presentation: kestrum record DECK.");
+    return request;
+}
+
+PublishRequest ParsePublish(Words& words) {
+    if (words.AtEnd() || words.Take() != "mp4") throw UsageError("publish needs a format: kestrum publish mp4 PACKAGE.");
+    PublishRequest request;
+    while (!words.AtEnd()) {
+        const std::string word = words.Take();
+        if (IsOption(word)) throw UsageError("publish has no option " + word + ".");
+        TakeOperand(request.source, word, "presentation or package");
+    }
+    if (request.source.empty()) throw UsageError("publish needs a presentation or a package.");
+    return request;
+}
+
+InfoRequest ParseInfo(Words& words) {
+    InfoRequest request;
+    while (!words.AtEnd()) {
+        const std::string word = words.Take();
+        if (word == "--json") {
+            request.json = true;
+        } else if (IsOption(word)) {
+            throw UsageError("info has no option " + word + ".");
+        } else {
+            TakeOperand(request.package, word, "package");
+        }
+    }
+    if (request.package.empty()) throw UsageError("info needs a package: kestrum info PACKAGE.");
+    return request;
+}
+
+}  // namespace
+
+Request ParseCommandLine(const std::vector<std::string>& arguments) {
+    Words words(arguments);
+    if (words.AtEnd()) return HelpRequest{};
+    const std::string command = words.Take();
+    if (command == "record") return ParseRecord(words);
+    if (command == "publish") return ParsePublish(words);
+    if (command == "info") return ParseInfo(words);
+    if (command == "help" || command == "--help" || command == "-h") return HelpRequest{};
+    if (command == "--version") return VersionRequest{};
+    throw UsageError("There is no command \"" + command + "\"; kestrum help lists them.");
+}
+
+std::string HelpText() {
+    return R"(Kestrum records a lecture: slides, screen, pointer and voice, with an index of the slides.
+
+  kestrum record DECK [--from N] [--advance SECONDS]
+      Runs the slide show of DECK in Impress and records it into one package beside it (.ktr).
+      --from N           begin at slide N
+      --advance SECONDS  unattended: every slide stays that long, then the show ends
+
+  kestrum publish mp4 DECK|PACKAGE
+      Makes a folder with a web page that plays the lecture. The folder stands beside the package.
+
+  kestrum info [--json] PACKAGE
+      Shows what a package holds: title, length, stored files, index.
+
+  kestrum help | --version
+)";
+}
+
+}  // namespace kestrum::app

@@ -1,0 +1,48 @@
+// What the user asked for on the command line, checked and with defaults; nothing is looked up here.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace kestrum::app {
+
+/// `kestrum record DECK [--from N] [--advance SECONDS]`
+struct RecordRequest {
+    std::string deck;
+    std::int32_t from = 1;              ///< slide number of the document, 1 or more
+    std::optional<std::int32_t> advanceMs;  ///< unattended: how long each slide stays, 100 ms to a day
+};
+
+/// `kestrum publish mp4 DECK|PACKAGE`
+struct PublishRequest {
+    std::string source;
+};
+
+/// `kestrum info [--json] PACKAGE`
+struct InfoRequest {
+    std::string package;
+    bool json = false;
+};
+
+struct HelpRequest {};
+struct VersionRequest {};
+
+using Request = std::variant<RecordRequest, PublishRequest, InfoRequest, HelpRequest, VersionRequest>;
+
+/// The words cannot be understood; what() is the sentence for the user.
+class UsageError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+/// Reads the arguments behind the program's name. Throws UsageError.
+Request ParseCommandLine(const std::vector<std::string>& arguments);
+
+/// The help text.
+std::string HelpText();
+
+}  // namespace kestrum::app

@@ -1,0 +1,135 @@
+"""What the end-to-end tests stand on: the programs of the release build, a private screen, pictures as numbers."""
+import json
+import os
+import pathlib
+import re
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+INSTALL = pathlib.Path(os.environ.get("KESTRUM_INSTALL", ROOT / "build" / "release" / "install"))
+KESTRUM = INSTALL / "kestrum"
+PATIENCE = 600  # seconds; a bound for a hang, not a measure of speed
+
+# Small pictures are enough to tell slides from each other.
+THUMB = (64, 36)
+
+
+def run(*command, check=True, timeout=PATIENCE, **options):
+    """Runs a command and gives its result; a failure shows what it printed."""
+    result = subprocess.run([str(word) for word in command], capture_output=True, text=True, timeout=timeout, **options)
+    if check and result.returncode != 0:
+        raise AssertionError(f"{command} ended with {result.returncode}\n{result.stdout}\n{result.stderr}")
+    return result
+
+
+def on_stage(*command, check=True, timeout=PATIENCE):
+    """The same on a private screen whose microphone hears speech."""
+    return run(ROOT / "tools" / "private-screen", "--speech", ROOT / "samples" / "speech.txt", *command, check=check,
+               timeout=timeout)
+
+
+def info(package):
+    return json.loads(run(KESTRUM, "info", "--json", package).stdout)
+
+
+def last_path(output, name):
+    """The path behind the last line "name: PATH" of an output."""
+    return pathlib.Path(re.findall(rf"^{name}: (.+)$", output, re.M)[-1])
+
+
+def thumb(picture, seconds=None):
+    """A picture, or the frame of a movie at a time, as grey values of a small image."""
+    seek = [] if seconds is None else ["-ss", f"{seconds:.3f}"]
+    result = subprocess.run(["ffmpeg", "-v", "error", *seek, "-i", str(picture), "-frames:v", "1", "-vf",
+                             f"scale={THUMB[0]}:{THUMB[1]}:flags=area,format=gray", "-f", "rawvideo", "-"],
+                            capture_output=True, timeout=PATIENCE, check=True)
+    assert len(result.stdout) == THUMB[0] * THUMB[1], f"no picture in {picture} at {seconds}"
+    return result.stdout
+
+
+def difference(one, other):
+    """Mean difference of two thumbs, 0 to 255."""
+    return sum(abs(a - b) for a, b in zip(one, other)) / len(one)
+
+
+def slide_thumbs(deck, folder):
+    """A thumb for each visible slide of a deck, as Impress exports it."""
+    profile = pathlib.Path(folder) / "export-profile"
+    run("soffice", f"-env:UserInstallation=file://{profile}", "--headless", "--convert-to", "pdf", "--outdir", folder,
+        deck)
+    pdf = pathlib.Path(folder) / (pathlib.Path(deck).stem + ".pdf")
+    run("pdftoppm", "-png", "-r", "48", pdf, pathlib.Path(folder) / "slide")
+    pages = sorted(pathlib.Path(folder).glob("slide-*.png"))
+    return [thumb(page) for page in pages]
+
+
+class Folder:
+    """A folder with a deck in it, under a name that tests the handling of names."""
+
+    def __init__(self, name="课件 week 1", deck="关键帧 lecture.pptx"):
+        self.root = pathlib.Path(tempfile.mkdtemp(prefix="kestrum-e2e."))
+        self.path = self.root / name
+        self.path.mkdir()
+        self.deck = self.path / deck
+        shutil.copy(ROOT / "samples" / "lecture.pptx", self.deck)
+        self.package = self.deck.with_suffix(".ktr")
+
+    def remove(self):
+        shutil.rmtree(self.root, ignore_errors=True)
+
+
+class Recording:
+    """A recording under way, to be disturbed."""
+
+    def __init__(self, deck, advance):
+        self._log = tempfile.TemporaryFile(mode="w+")
+        self.process = subprocess.Popen(
+            [str(ROOT / "tools" / "private-screen"), "--speech", str(ROOT / "samples" / "speech.txt"), str(KESTRUM),
+             "record", str(deck), "--advance", str(advance)],
+            stdout=self._log, stderr=subprocess.STDOUT, start_new_session=True)
+
+    def children(self, name):
+        """Process ids below the recording whose program is `name`."""
+        table = run("ps", "-eo", "pid=,ppid=,comm=").stdout.split("\n")
+        rows = [line.split(None, 2) for line in table if line.strip()]
+        below, grown = {self.process.pid}, True
+        while grown:
+            more = {int(pid) for pid, parent, _ in rows if int(parent) in below} - below
+            grown, below = bool(more), below | more
+        return [int(pid) for pid, _, program in rows if int(pid) in below and program.strip().startswith(name)]
+
+    def wait_for_entries(self, package, count):
+        """Waits until the growing package shows this many entries."""
+        deadline = time.monotonic() + PATIENCE
+        while time.monotonic() < deadline:
+            assert self.process.poll() is None, "the recording ended early:\n" + self.output()
+            if package.exists():
+                answer = run(KESTRUM, "info", "--json", package, check=False)
+                if answer.returncode == 0 and len(json.loads(answer.stdout)["index"]) >= count:
+                    return
+            time.sleep(0.3)
+        raise AssertionError(f"never saw {count} entries:\n" + self.output())
+
+    def kill(self, name):
+        victims = self.children(name)
+        assert victims, f"no {name} runs below the recording"
+        for pid in victims:
+            os.kill(pid, signal.SIGKILL)
+
+    def wait(self):
+        self.process.wait(timeout=PATIENCE)
+        return self.output()
+
+    def end(self):
+        if self.process.poll() is None:
+            os.killpg(self.process.pid, signal.SIGTERM)
+            self.process.wait(timeout=60)
+        self._log.close()
+
+    def output(self):
+        self._log.seek(0)
+        return self._log.read()
