@@ -1,0 +1,101 @@
+// XML in the terms of the rules: text of an element, attribute by position and by name, child by path, create, remove,
+// serialise. White space between elements is no node: it is dropped when a text is parsed and never made when one is
+// serialised. Where the rules want line breaks in a file, the serialised text is edited and written as bytes.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/Error.h"
+#include "host/String.h"
+
+namespace kestrum::modXml {
+
+struct Handle;
+
+/// One element, or none (as a failed selection gives it). A cheap handle into its document, which must outlive it.
+/// Reading or writing through none is host::Error 91.
+class Node {
+  public:
+    Node();
+    explicit Node(const Handle& handle);
+    Node(const Node& other);
+    Node& operator=(const Node& other);
+    ~Node();
+
+    explicit operator bool() const;
+    String Name() const;
+    /// All text inside the element, its descendants' included, in document order.
+    String Text() const;
+    /// Replaces all content by one text.
+    void SetText(StringView text);
+
+    /// Child elements in order.
+    std::vector<Node> Children() const;
+    /// Child element `index` from 0; none beyond.
+    Node Child(std::size_t index) const;
+    /// The first child element of that name; none if there is none.
+    Node Child(StringView name) const;
+    /// Follows the first child of each name in turn, separated by `separator`; none as soon as one is missing.
+    Node Select(StringView path, char16_t separator = u'/') const;
+    Node Parent() const;
+
+    std::size_t AttributeCount() const;
+    /// By position from 0. Error 9 beyond.
+    String AttributeAt(std::size_t index) const;
+    void SetAttributeAt(std::size_t index, StringView value);
+    /// By name; none if the element does not have it.
+    std::optional<String> Attribute(StringView name) const;
+    /// Adds the attribute at the end if it is missing.
+    void SetAttribute(StringView name, StringView value);
+
+    /// A new child element at the end.
+    Node Append(StringView name);
+    /// A copy of `other` (of this or another document) as the last child.
+    Node AppendCopy(const Node& other);
+    /// A new child element in front of `before`, which must be a child; at the end if `before` is none.
+    Node InsertBefore(StringView name, const Node& before);
+    /// Takes `child` out; false if it is not a child.
+    bool Remove(const Node& child);
+
+    /// The element as text, no white space added.
+    String Xml() const;
+
+  private:
+    friend class Document;
+    std::unique_ptr<Handle> m_handle;
+};
+
+/// A parsed document. Movable; nodes of it end with it.
+class Document {
+  public:
+    /// An empty document: it has no root.
+    Document();
+    ~Document();
+    Document(Document&& other) noexcept;
+    Document& operator=(Document&& other) noexcept;
+
+    /// Bytes of a file in UTF-8 or UTF-16 (with or without a mark) or as its declaration says. Error 13 with the
+    /// parser's reason if it is no well-formed document with one root.
+    static Document ParseBytes(const std::string& bytes);
+    /// The same for a text.
+    static Document Parse(StringView text);
+
+    /// The root element; none in an empty document.
+    Node Root() const;
+    /// Makes the root of an empty document.
+    Node CreateRoot(StringView name);
+    /// The whole document as text, its declaration included, no white space added.
+    String Xml() const;
+    /// The same in UTF-8, for a file.
+    std::string Bytes() const;
+
+  private:
+    struct Body;
+    std::unique_ptr<Body> m_body;
+};
+
+}  // namespace kestrum::modXml
