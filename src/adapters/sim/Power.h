@@ -1,0 +1,17 @@
+// Remembers the requests to stay awake.
+#pragma once
+
+#include <vector>
+
+#include "host/IPower.h"
+
+namespace kestrum::sim {
+
+class Power : public host::IPower {
+  public:
+    void SetExecutionState(std::uint32_t state) override { states.push_back(state); }
+
+    std::vector<std::uint32_t> states;
+};
+
+}  // namespace kestrum::sim

@@ -1,0 +1,68 @@
+// The scripted world: one object that owns every port, on virtual time. A test makes its own, scripts what the world
+// does, hands `host()` to the program and then asks what a user, a file or the next program sees.
+#pragma once
+
+#include "adapters/sim/Application.h"
+#include "adapters/sim/EventLoop.h"
+#include "adapters/sim/Faults.h"
+#include "adapters/sim/FileSystem.h"
+#include "adapters/sim/InputHooks.h"
+#include "adapters/sim/KsHook.h"
+#include "adapters/sim/KsLib.h"
+#include "adapters/sim/KsOptimize.h"
+#include "adapters/sim/MessageBox.h"
+#include "adapters/sim/Monitors.h"
+#include "adapters/sim/Power.h"
+#include "adapters/sim/Presenter.h"
+#include "adapters/sim/Processes.h"
+#include "adapters/sim/RecSystemAudio.h"
+#include "adapters/sim/SettingsStore.h"
+#include "adapters/sim/ShellFolders.h"
+#include "adapters/sim/Trace.h"
+#include "adapters/sim/Transcript.h"
+#include "adapters/sim/Windows.h"
+#include "host/Host.h"
+
+namespace kestrum::sim {
+
+class World {
+  public:
+    /// A quiet desk: an empty home folder, temp and data folders, an install folder without files, one monitor of
+    /// 1920 by 1080, a microphone, no presentation.
+    World();
+    World(const World&) = delete;
+    World& operator=(const World&) = delete;
+
+    host::Host& host() { return m_host; }
+
+    Faults faults;
+    Transcript transcript;
+    EventLoop loop;
+    FileSystem fs{faults, loop};
+    Monitors monitors{transcript};
+    Application app{faults, transcript, monitors};
+    InputHooks hooks{faults, loop};
+    Windows windows{loop, transcript};
+    Processes processes{faults, loop, transcript};
+    ShellFolders shell;
+    SettingsStore settings{faults};
+    Power power;
+    MessageBox box{loop, transcript};
+    Presenter presenter{loop};
+    KsLib ksLib{faults, transcript, loop, fs};
+    KsOptimize ksOptimize{faults, transcript, loop, fs};
+    KsHook ksHook{faults, transcript, windows};
+    RecSystemAudio recSystemAudio{transcript};
+    Trace trace;
+
+    static constexpr char16_t kInstallFolder[] = u"/opt/kestrum";
+    static constexpr char16_t kHome[] = u"/home/anna";
+
+  private:
+    host::IFmtConvert m_fmtConvert;
+    host::IKsEditorControl m_ksEditorControl;
+    host::IScip2 m_scip2;
+    host::Host m_host;
+};
+
+}  // namespace kestrum::sim
