@@ -133,9 +133,11 @@ class Form {
     /// Takes the form down without asking it or running its handlers; for the end of the program.
     void Discard();
 
+    /// The collection that the form belongs to.
+    Forms& Owner() const { return m_forms; }
+
   protected:
     Form(Forms& forms, String name);
-    Forms& Owner() const { return m_forms; }
     void SetLayout(LayoutNode layout);
 
     virtual void OnLoad() {}
