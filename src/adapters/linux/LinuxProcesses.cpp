@@ -1,0 +1,117 @@
+#include "adapters/linux/LinuxProcesses.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <string>
+#include <thread>
+
+#include "adapters/linux/PosixError.h"
+
+namespace kestrum::platform {
+namespace {
+
+/// A started child. It stays unreaped while this object lives, so that its number, and the number of its group, cannot
+/// be given to another process meanwhile.
+class ChildGroup : public host::IProcess {
+  public:
+    explicit ChildGroup(pid_t pid) : m_pid(pid) {}
+    ChildGroup(const ChildGroup&) = delete;
+    ChildGroup& operator=(const ChildGroup&) = delete;
+    ~ChildGroup() override {
+        if (waitpid(m_pid, nullptr, WNOHANG) == 0) std::thread([pid = m_pid] { waitpid(pid, nullptr, 0); }).detach();
+    }
+
+    std::int64_t Id() override { return m_pid; }
+
+    std::optional<std::int32_t> ExitCode() override {
+        siginfo_t info{};
+        if (waitid(P_PID, static_cast<id_t>(m_pid), &info, WEXITED | WNOHANG | WNOWAIT) != 0) return 0;
+        if (info.si_pid == 0) return std::nullopt;
+        return info.si_code == CLD_EXITED ? info.si_status : 128 + info.si_status;
+    }
+
+    void Terminate() override { kill(-m_pid, SIGKILL); }
+
+  private:
+    pid_t m_pid;
+};
+
+/// What a child is given besides its arguments.
+class SpawnSetup {
+  public:
+    SpawnSetup() {
+        posix_spawn_file_actions_init(&m_files);
+        for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+            posix_spawn_file_actions_addopen(&m_files, fd, "/dev/null", O_RDWR, 0);
+        }
+        posix_spawn_file_actions_addclosefrom_np(&m_files, STDERR_FILENO + 1);
+        posix_spawnattr_init(&m_attributes);
+        posix_spawnattr_setflags(&m_attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        posix_spawnattr_setpgroup(&m_attributes, 0);
+        sigset_t signals;
+        sigemptyset(&signals);
+        posix_spawnattr_setsigmask(&m_attributes, &signals);
+        sigfillset(&signals);
+        posix_spawnattr_setsigdefault(&m_attributes, &signals);
+    }
+    SpawnSetup(const SpawnSetup&) = delete;
+    SpawnSetup& operator=(const SpawnSetup&) = delete;
+    ~SpawnSetup() {
+        posix_spawn_file_actions_destroy(&m_files);
+        posix_spawnattr_destroy(&m_attributes);
+    }
+
+    const posix_spawn_file_actions_t* Files() const { return &m_files; }
+    const posix_spawnattr_t* Attributes() const { return &m_attributes; }
+
+  private:
+    posix_spawn_file_actions_t m_files;
+    posix_spawnattr_t m_attributes;
+};
+
+void SleepMs(long ms) {
+    const timespec pause{0, ms * 1'000'000};
+    nanosleep(&pause, nullptr);
+}
+
+}  // namespace
+
+std::unique_ptr<host::IProcess> LinuxProcesses::Start(const String& program, const std::vector<String>& arguments) {
+    std::vector<std::string> words{host::ToUtf8(program)};
+    for (const String& argument : arguments) words.push_back(host::ToUtf8(argument));
+    std::vector<char*> argv;
+    for (std::string& word : words) argv.push_back(word.data());
+    argv.push_back(nullptr);
+
+    const SpawnSetup setup;
+    pid_t pid = 0;
+    const int failed = posix_spawnp(&pid, argv[0], setup.Files(), setup.Attributes(), argv.data(), environ);
+    if (failed != 0) ThrowSystemError(failed, u"Start", program);
+    return std::make_unique<ChildGroup>(pid);
+}
+
+std::unique_ptr<host::IProcess> LinuxProcesses::StartShell(const String& commandLine) {
+    return Start(u"/bin/sh", {u"-c", commandLine});
+}
+
+bool LinuxProcesses::OpenWithDesktop(const String& target) {
+    constexpr int kPolls = 25;
+    if (target.empty() || target.starts_with(u'-')) return false;
+    try {
+        const auto opener = Start(u"xdg-open", {target});
+        for (int i = 0; i < kPolls; ++i) {
+            if (const auto code = opener->ExitCode()) return *code == 0;
+            SleepMs(20);
+        }
+        return true;
+    } catch (const host::Error&) {
+        return false;
+    }
+}
+
+}  // namespace kestrum::platform

@@ -1,0 +1,20 @@
+// Child processes over posix_spawn. Each child leads a process group of its own, has the null device for its three
+// standard streams (so it can neither block on output nor wait for input), and inherits no other descriptor.
+#pragma once
+
+#include "host/IProcesses.h"
+
+namespace kestrum::platform {
+
+class LinuxProcesses : public host::IProcesses {
+  public:
+    [[nodiscard]] std::unique_ptr<host::IProcess> Start(const String& program,
+                                                        const std::vector<String>& arguments) override;
+    [[nodiscard]] std::unique_ptr<host::IProcess> StartShell(const String& commandLine) override;
+    /// Asks `xdg-open`. Waits up to half a second for its "there is none".
+    bool OpenWithDesktop(const String& target) override;
+    /// The name itself: programs carry no ending here.
+    String ProgramName(const String& baseName) override { return baseName; }
+};
+
+}  // namespace kestrum::platform
