@@ -1,0 +1,166 @@
+#include "adapters/linux/SqliteSettings.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "linux/RecordingTrace.h"
+#include "real/ChildProcess.h"
+
+namespace kestrum::platform {
+namespace {
+
+namespace stdfs = std::filesystem;
+
+const String kApplication = u"Larkspin5";
+
+class SqliteSettingsTest : public testing::Test {
+  protected:
+    std::optional<String> Read(const String& key) { return store.Read(kApplication, u"configure", key); }
+    void Write(const String& key, const String& value) { store.Write(kApplication, u"configure", key, value); }
+    std::vector<std::string> Names() const {
+        std::vector<std::string> names;
+        for (const auto& entry : stdfs::directory_iterator(stdfs::path(file).parent_path())) {
+            names.push_back(entry.path().filename());
+        }
+        return names;
+    }
+    bool IsSetAside() const {
+        const auto names = Names();
+        return std::any_of(names.begin(), names.end(),
+                           [](const std::string& name) { return name.find("settings.sqlite.damaged-") == 0; });
+    }
+
+    real::TempFolder folder;
+    const std::string file = folder / "kestrum/settings.sqlite";
+    RecordingTrace trace;
+    SqliteSettings store{file, trace};
+};
+
+TEST_F(SqliteSettingsTest, Values_ComeBack_EmptyOnesToo) {
+    EXPECT_EQ(Read(u"account"), std::nullopt);
+    Write(u"account", u"");
+    Write(u"folderName", u"讲座 '\"; \U0001F4FD");
+    EXPECT_EQ(Read(u"account"), u"");
+    EXPECT_EQ(Read(u"folderName"), u"讲座 '\"; \U0001F4FD");
+    Write(u"folderName", u"b");
+    EXPECT_EQ(Read(u"folderName"), u"b");
+}
+
+TEST_F(SqliteSettingsTest, Keys_DifferByCaseSectionAndApplication) {
+    store.Write(kApplication, u"tokens\\PowerPoint", u"touchtime", u"1");
+    store.Write(kApplication, u"tokens\\Larkspin", u"touchtime", u"2");
+    store.Write(u"Other", u"tokens\\Larkspin", u"touchtime", u"3");
+    store.Write(kApplication, u"tokens\\Larkspin", u"touchTime", u"4");
+    EXPECT_EQ(store.Read(kApplication, u"tokens\\PowerPoint", u"touchtime"), u"1");
+    EXPECT_EQ(store.Read(kApplication, u"tokens\\Larkspin", u"touchtime"), u"2");
+    EXPECT_EQ(store.Read(u"Other", u"tokens\\Larkspin", u"touchtime"), u"3");
+    EXPECT_EQ(store.Read(kApplication, u"tokens\\Larkspin", u"touchTime"), u"4");
+}
+
+TEST_F(SqliteSettingsTest, File_IsReadableByItsUserAlone) {
+    Write(u"password", u"&H7000");
+    struct stat info {};
+    ASSERT_EQ(stat(file.c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0600u);
+}
+
+TEST_F(SqliteSettingsTest, Reading_MakesNoFile) {
+    EXPECT_EQ(Read(u"x"), std::nullopt);
+    EXPECT_FALSE(stdfs::exists(file));
+}
+
+TEST_F(SqliteSettingsTest, TwoProcessesWritingAtOnce_LoseNothing) {
+    constexpr int kProcesses = 4, kValues = 25;
+    std::vector<pid_t> children;
+    for (int p = 0; p < kProcesses; ++p) {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            try {
+                for (int i = 0; i < kValues; ++i) {
+                    Write(host::FromUtf8("k" + std::to_string(p) + "." + std::to_string(i)), u"v");
+                    Write(u"shared", host::FromUtf8(std::to_string(p)));
+                }
+                _exit(0);
+            } catch (const host::Error&) {
+                _exit(1);
+            }
+        }
+        children.push_back(child);
+    }
+    for (const pid_t child : children) {
+        int status = 0;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_EQ(WEXITSTATUS(status), 0);
+    }
+    for (int p = 0; p < kProcesses; ++p) {
+        for (int i = 0; i < kValues; ++i) {
+            EXPECT_EQ(Read(host::FromUtf8("k" + std::to_string(p) + "." + std::to_string(i))), u"v");
+        }
+    }
+    EXPECT_TRUE(trace.lines.empty());
+}
+
+TEST_F(SqliteSettingsTest, AnotherProcessSeesAValueAtOnce) {
+    Write(u"recording", u"1");
+    const pid_t child = fork();
+    if (child == 0) {
+        if (Read(u"recording") != u"1") _exit(1);
+        Write(u"recording", u"0");
+        _exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(Read(u"recording"), u"0");
+}
+
+TEST_F(SqliteSettingsTest, FileOfRubbish_IsSetAside_AndTheStoreGoesOn) {
+    Write(u"a", u"1");
+    real::WriteText(file, std::string(5000, 'x'));
+    EXPECT_EQ(Read(u"a"), std::nullopt);
+    Write(u"b", u"2");
+    EXPECT_EQ(Read(u"b"), u"2");
+    EXPECT_TRUE(IsSetAside());
+    ASSERT_EQ(trace.lines.size(), 1u);
+    EXPECT_NE(trace.lines[0].find(u"damaged"), String::npos);
+}
+
+TEST_F(SqliteSettingsTest, DamagedPages_AreSetAside_AndWhatIsReadableIsCarriedOver) {
+    for (int i = 0; i < 400; ++i) Write(host::FromUtf8("key" + std::to_string(1000 + i)), String(60, u'v'));
+    std::string bytes = real::ReadText(file);
+    ASSERT_GT(bytes.size(), 40000u);
+    // The last pages hold later keys or inner nodes; the first stay as they are.
+    std::fill(bytes.end() - 12000, bytes.end(), '\x5A');
+    real::WriteText(file, bytes);
+    int readable = 0;
+    for (int i = 0; i < 400; ++i) {
+        const auto value = Read(host::FromUtf8("key" + std::to_string(1000 + i)));
+        if (value) {
+            EXPECT_EQ(*value, String(60, u'v'));
+            ++readable;
+        }
+    }
+    EXPECT_GT(readable, 0);
+    Write(u"after", u"1");
+    EXPECT_EQ(Read(u"after"), u"1");
+    EXPECT_TRUE(IsSetAside());
+}
+
+TEST_F(SqliteSettingsTest, Write_WhereNothingCanBeStored_Fails) {
+    real::WriteText(folder / "blocked", "a file, not a folder");
+    SqliteSettings blocked(folder / "blocked/settings.sqlite", trace);
+    EXPECT_THROW(blocked.Write(kApplication, u"s", u"k", u"v"), host::Error);
+    EXPECT_EQ(blocked.Read(kApplication, u"s", u"k"), std::nullopt);
+}
+
+TEST_F(SqliteSettingsTest, DefaultFile_LiesInTheConfigurationFolder) {
+    const real::ScopedEnv config("XDG_CONFIG_HOME", "/x/config");
+    EXPECT_EQ(SqliteSettings::DefaultFile(), "/x/config/kestrum/settings.sqlite");
+}
+
+}  // namespace
+}  // namespace kestrum::platform
