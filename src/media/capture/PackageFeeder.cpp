@@ -1,0 +1,256 @@
+#include "media/capture/PackageFeeder.h"
+
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+#include <algorithm>
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <new>
+#include <optional>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "media/capture/Clock.h"
+
+namespace kestrum::media {
+namespace {
+
+constexpr auto kFlushInterval = std::chrono::milliseconds(100);
+constexpr std::int64_t kSyncNs = 3 * kNsPerSecond;
+constexpr std::int64_t kRoomCheckNs = 2 * kNsPerSecond;
+constexpr std::int64_t kJournalPatienceNs = kNsPerSecond;
+// Video waits up to the first limit; a queue beyond the others means that the disk has stopped taking anything.
+constexpr std::size_t kVideoBacklog = 32U << 20;
+constexpr std::size_t kVideoOverflow = 96U << 20;
+constexpr std::size_t kAudioOverflow = 32U << 20;
+
+struct Sample {
+    std::int64_t position = 0;
+    bool isVideo = false;
+    bool isKey = false;
+    Bytes bytes;
+};
+
+struct Journal {
+    std::string text;
+    std::int64_t afterMs = 0;
+    std::int64_t latestNs = 0;
+};
+
+}  // namespace
+
+class PackageFeeder::Impl {
+  public:
+    Impl(std::unique_ptr<PackageWriter> writer, std::string path)
+        : m_path(std::move(path)), m_writer(std::move(writer)), m_writtenMs(m_writer->LengthMs()) {
+        m_thread = std::thread([this] { Run(); });
+    }
+    ~Impl() { Join(); }
+    Impl(const Impl&) = delete;
+    Impl& operator=(const Impl&) = delete;
+
+    void Push(Sample sample) {
+        const std::lock_guard lock(m_mutex);
+        if (m_isBroken) return;
+        (sample.isVideo ? m_videoBytes : m_audioBytes) += sample.bytes.size();
+        if (m_videoBytes > kVideoOverflow) Fail(EncoderState::kVideoOverflow);
+        if (m_audioBytes > kAudioOverflow) Fail(EncoderState::kAudioOverflow);
+        m_waiting.push_back(std::move(sample));
+    }
+
+    bool IsBehind() const {
+        const std::lock_guard lock(m_mutex);
+        return m_videoBytes > kVideoBacklog;
+    }
+
+    bool PushJournal(std::string text, std::int64_t afterMs) {
+        const std::lock_guard lock(m_mutex);
+        if (m_isBroken) return false;
+        m_journal = Journal{std::move(text), afterMs, MonotonicNs() + kJournalPatienceNs};
+        return true;
+    }
+
+    void StoreFiles(const StoredFiles& files) {
+        const std::lock_guard lock(m_writerMutex);
+        m_writer->StoreFiles(files);
+    }
+
+    EncoderState State() const {
+        const std::lock_guard lock(m_mutex);
+        return m_state;
+    }
+
+    std::int64_t WrittenMs() const {
+        const std::lock_guard lock(m_mutex);
+        return m_writtenMs;
+    }
+
+    void Finish(std::int64_t endMs) {
+        Join();
+        const std::lock_guard lock(m_writerMutex);
+        try {
+            WriteWaiting();
+            WriteJournalIfDue(true);
+            m_writer->Close(endMs);
+        } catch (const Error& error) {
+            const std::lock_guard stateLock(m_mutex);
+            Fail(StateOf(error));
+            throw;
+        }
+    }
+
+  private:
+    static EncoderState StateOf(const Error& error) {
+        return error.kind == ErrorKind::kDiskFull ? EncoderState::kDiskFull : EncoderState::kFileError;
+    }
+
+    void Join() {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_stop = true;
+        }
+        m_wake.notify_all();
+        if (m_thread.joinable()) m_thread.join();
+    }
+
+    /// The first failure stays. Called with m_mutex held.
+    void Fail(EncoderState state) {
+        if (m_state == EncoderState::kRunning) m_state = state;
+    }
+
+    void Run() {
+        std::unique_lock lock(m_mutex);
+        while (!m_wake.wait_for(lock, kFlushInterval, [this] { return m_stop; })) {
+            lock.unlock();
+            const auto failure = Step();
+            lock.lock();
+            if (failure) Fail(*failure);
+            m_isBroken = m_isBroken || failure;
+        }
+    }
+
+    /// One round; what went wrong, if the file takes nothing any more.
+    std::optional<EncoderState> Step() {
+        try {
+            const std::lock_guard lock(m_writerMutex);
+            WriteWaiting();
+            WriteJournalIfDue(false);
+            m_writer->Flush();
+            SyncIfDue();
+            CheckRoomIfDue();
+            return std::nullopt;
+        } catch (const Error& error) {
+            return StateOf(error);
+        } catch (const std::bad_alloc&) {
+            return EncoderState::kOutOfMemory;
+        }
+    }
+
+    /// Sound comes later than the pictures of its time: sorting what came together keeps the file in order.
+    void WriteWaiting() {
+        std::vector<Sample> samples = TakeWaiting();
+        std::stable_sort(samples.begin(), samples.end(),
+                         [](const Sample& a, const Sample& b) { return a.position < b.position; });
+        for (const auto& sample : samples) {
+            if (!sample.isVideo) {
+                m_writer->WriteAudio(sample.position, sample.bytes);
+                continue;
+            }
+            m_writer->WriteVideo(sample.position, sample.isKey, sample.bytes);
+            m_lastVideoMs = sample.position;
+        }
+        const std::lock_guard lock(m_mutex);
+        m_writtenMs = m_writer->LengthMs();
+    }
+
+    std::vector<Sample> TakeWaiting() {
+        const std::lock_guard lock(m_mutex);
+        m_videoBytes = m_audioBytes = 0;
+        return std::exchange(m_waiting, {});
+    }
+
+    void WriteJournalIfDue(bool atEnd) {
+        std::string text;
+        {
+            const std::lock_guard lock(m_mutex);
+            if (!m_journal) return;
+            const bool isDue = atEnd || m_lastVideoMs >= m_journal->afterMs || MonotonicNs() >= m_journal->latestNs;
+            if (!isDue) return;
+            text = std::move(m_journal->text);
+            m_journal.reset();
+        }
+        m_writer->WriteJournal(text);
+    }
+
+    void SyncIfDue() {
+        const std::int64_t now = MonotonicNs();
+        if (now < m_nextSyncNs) return;
+        m_nextSyncNs = now + kSyncNs;
+        m_writer->Sync();
+    }
+
+    void CheckRoomIfDue() {
+        const std::int64_t now = MonotonicNs();
+        if (now < m_nextRoomCheckNs) return;
+        m_nextRoomCheckNs = now + kRoomCheckNs;
+        struct stat file {};
+        struct statvfs disk {};
+        const std::lock_guard lock(m_mutex);
+        if (stat(m_path.c_str(), &file) == 0 && file.st_size >= kLargestPackage) Fail(EncoderState::kLargestSize);
+        if (statvfs(m_path.c_str(), &disk) != 0) return;
+        const auto freeBytes = static_cast<std::int64_t>(disk.f_bavail) * static_cast<std::int64_t>(disk.f_frsize);
+        if (freeBytes < kLeastFreeBytes) Fail(EncoderState::kDiskFull);
+    }
+
+    const std::string m_path;
+    std::mutex m_writerMutex;  ///< taken before m_mutex where both are needed
+    std::unique_ptr<PackageWriter> m_writer;
+    std::int64_t m_lastVideoMs = -1;
+    std::int64_t m_nextSyncNs = 0;
+    std::int64_t m_nextRoomCheckNs = 0;
+
+    mutable std::mutex m_mutex;
+    std::condition_variable m_wake;
+    std::vector<Sample> m_waiting;
+    std::size_t m_videoBytes = 0;
+    std::size_t m_audioBytes = 0;
+    std::optional<Journal> m_journal;
+    std::int64_t m_writtenMs;
+    EncoderState m_state = EncoderState::kRunning;
+    bool m_isBroken = false;
+    bool m_stop = false;
+    std::thread m_thread;
+};
+
+PackageFeeder::PackageFeeder(std::unique_ptr<PackageWriter> writer, std::string path)
+    : m_impl(std::make_unique<Impl>(std::move(writer), std::move(path))) {}
+PackageFeeder::~PackageFeeder() = default;
+void PackageFeeder::PushVideo(std::int64_t positionMs, bool key, Bytes sample) {
+    m_impl->Push({positionMs, true, key, std::move(sample)});
+}
+void PackageFeeder::PushAudio(std::int64_t positionMs, Bytes sample) {
+    m_impl->Push({positionMs, false, false, std::move(sample)});
+}
+bool PackageFeeder::IsBehind() const {
+    return m_impl->IsBehind();
+}
+bool PackageFeeder::PushJournal(std::string text, std::int64_t afterMs) {
+    return m_impl->PushJournal(std::move(text), afterMs);
+}
+void PackageFeeder::StoreFiles(const StoredFiles& files) {
+    m_impl->StoreFiles(files);
+}
+EncoderState PackageFeeder::State() const {
+    return m_impl->State();
+}
+std::int64_t PackageFeeder::WrittenMs() const {
+    return m_impl->WrittenMs();
+}
+void PackageFeeder::Finish(std::int64_t endMs) {
+    m_impl->Finish(endMs);
+}
+
+}  // namespace kestrum::media

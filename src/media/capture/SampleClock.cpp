@@ -1,0 +1,101 @@
+#include "media/capture/SampleClock.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "media/capture/Clock.h"
+
+namespace kestrum::media {
+namespace {
+
+// Samples are missing, not merely late, if this much is short in so many blocks one after the other. Too many samples
+// are never thrown away for it: the drift takes care of them.
+constexpr double kGapSeconds = 0.25;
+constexpr int kGapBlocks = 3;
+// Sound and picture may be apart by this much before the sample rate is bent.
+constexpr double kDriftSeconds = 0.010;
+// Weight of a new block in the smoothed error: with 20 ms blocks it follows within about two seconds.
+constexpr double kSmoothing = 0.01;
+// At most one frame in this many is added or left out (0.1 %), which nobody hears.
+constexpr std::size_t kFramesPerCorrection = 1000;
+
+}  // namespace
+
+void SampleClock::Start(std::int64_t startNs) {
+    m_started = true;
+    m_startNs = startNs;
+}
+
+std::int64_t SampleClock::FrameAt(std::int64_t ns) const {
+    return std::llround(static_cast<double>(ns - m_startNs) * m_rate / kNsPerSecond);
+}
+
+bool SampleClock::IsGap(std::int64_t errorFrames) {
+    const bool isLate = static_cast<double>(errorFrames) > kGapSeconds * m_rate;
+    m_lateBlocks = isLate ? m_lateBlocks + 1 : 0;
+    return m_lateBlocks >= kGapBlocks;
+}
+
+void SampleClock::Push(std::int64_t heardNs, std::span<const float> samples) {
+    if (!m_started || samples.empty()) return;
+    const std::int64_t error = FrameAt(heardNs) - m_produced;
+    if (m_anchored && !IsGap(error)) return FollowDrift(error, samples);
+    m_drift = 0;
+    m_lateBlocks = 0;
+    // What lies before the start, or where silence was put already, is left out.
+    const std::size_t surplus = error < 0 ? static_cast<std::size_t>(-error) * static_cast<std::size_t>(m_channels) : 0;
+    if (surplus >= samples.size()) return;
+    AppendSilence(error);
+    Append(samples.subspan(surplus));
+    m_anchored = true;
+}
+
+void SampleClock::FillTo(std::int64_t ns) {
+    if (!m_started) return;
+    m_anchored = false;
+    AppendSilence(FrameAt(ns) - m_produced);
+}
+
+void SampleClock::FollowDrift(std::int64_t errorFrames, std::span<const float> samples) {
+    m_drift += (static_cast<double>(errorFrames) - m_drift) * kSmoothing;
+    const std::size_t frames = samples.size() / static_cast<std::size_t>(m_channels);
+    m_sinceCorrection += frames;
+    const bool isDue = m_sinceCorrection >= kFramesPerCorrection && frames > 2;
+    if (isDue && std::abs(m_drift) > kDriftSeconds * m_rate) {
+        m_sinceCorrection = 0;
+        AppendStretched(samples, m_drift > 0 ? 1 : -1);
+    } else {
+        Append(samples);
+    }
+}
+
+void SampleClock::AppendSilence(std::int64_t frames) {
+    if (frames <= 0) return;
+    m_output.insert(m_output.end(), static_cast<std::size_t>(frames) * m_channels, 0.0F);
+    m_produced += frames;
+}
+
+void SampleClock::Append(std::span<const float> samples) {
+    m_output.insert(m_output.end(), samples.begin(), samples.end());
+    m_produced += static_cast<std::int64_t>(samples.size()) / m_channels;
+}
+
+void SampleClock::AppendStretched(std::span<const float> samples, int change) {
+    const auto channels = static_cast<std::size_t>(m_channels);
+    const std::size_t frames = samples.size() / channels;
+    const std::size_t wanted = change > 0 ? frames + 1 : frames - 1;
+    const double step = static_cast<double>(frames - 1) / static_cast<double>(wanted - 1);
+    for (std::size_t i = 0; i < wanted; ++i) {
+        const double at = static_cast<double>(i) * step;
+        const std::size_t low = std::min(static_cast<std::size_t>(at), frames - 1);
+        const std::size_t high = std::min(low + 1, frames - 1);
+        const auto part = static_cast<float>(at - static_cast<double>(low));
+        for (std::size_t c = 0; c < channels; ++c) {
+            m_output.push_back(samples[low * channels + c] * (1 - part) + samples[high * channels + c] * part);
+        }
+    }
+    m_produced += static_cast<std::int64_t>(wanted);
+    m_drift -= change;
+}
+
+}  // namespace kestrum::media

@@ -1,0 +1,279 @@
+#include "media/capture/Screen.h"
+
+#include <xcb/damage.h>
+#include <xcb/randr.h>
+#include <xcb/xcb.h>
+#include <xcb/xfixes.h>
+#include <xcb/xinput.h>
+
+#include <cstring>
+
+#include "media/capture/SharedImage.h"
+#include "media/capture/XcbHandle.h"
+
+namespace kestrum::media {
+namespace {
+
+// Past this many rectangles one large read is cheaper than many small ones.
+constexpr int kMostReads = 8;
+
+CaptureError DisplayError(const std::string& sentence) {
+    return {CaptureErrorKind::kNoDisplay, sentence};
+}
+
+XcbConnection Connect(const std::string& display, int& screenNumber) {
+    XcbConnection connection(xcb_connect(display.empty() ? nullptr : display.c_str(), &screenNumber));
+    if (xcb_connection_has_error(connection.get())) {
+        throw DisplayError("The display " + (display.empty() ? std::string("of this session") : display) +
+                           " cannot be opened.");
+    }
+    return connection;
+}
+
+xcb_screen_t* FindScreen(xcb_connection_t* connection, int number) {
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
+    for (; number > 0 && screens.rem > 1; --number) xcb_screen_next(&screens);
+    return screens.data;
+}
+
+void RequireTrueColour(xcb_connection_t* connection, const xcb_screen_t& screen) {
+    auto formats = xcb_setup_pixmap_formats_iterator(xcb_get_setup(connection));
+    for (; formats.rem; xcb_format_next(&formats)) {
+        if (formats.data->depth == screen.root_depth && formats.data->bits_per_pixel == 32) return;
+    }
+    throw DisplayError("The display has a colour depth of " + std::to_string(screen.root_depth) +
+                       " bits; a recording needs 24 or 32.");
+}
+
+void RequireArea(const Area& area, const Area& screen) {
+    const std::string text = std::to_string(area.width) + "x" + std::to_string(area.height) + " at " +
+                             std::to_string(area.x) + "," + std::to_string(area.y);
+    if (area.IsEmpty() || area.width % 2 || area.height % 2) {
+        throw CaptureError(CaptureErrorKind::kBadArea,
+                           "The area to record (" + text + ") needs an even width and height above zero.");
+    }
+    if (Intersect(area, screen) != area) {
+        throw CaptureError(CaptureErrorKind::kBadArea,
+                           "The area to record (" + text + ") lies partly outside the screen of " +
+                               std::to_string(screen.width) + "x" + std::to_string(screen.height) + ".");
+    }
+}
+
+const xcb_query_extension_reply_t* RequireExtension(xcb_connection_t* connection, xcb_extension_t* extension,
+                                                    const char* name) {
+    const auto* data = xcb_get_extension_data(connection, extension);
+    if (!data || !data->present) throw DisplayError(std::string("The display lacks the extension ") + name + ".");
+    return data;
+}
+
+Area RootArea(xcb_connection_t* connection, xcb_window_t root) {
+    const auto geometry = Own(xcb_get_geometry_reply(connection, xcb_get_geometry(connection, root), nullptr));
+    return geometry ? Area{0, 0, geometry->width, geometry->height} : Area{};
+}
+
+/// The monitor that holds the middle of `area`; the whole screen where there are no monitors.
+Area MonitorOf(xcb_connection_t* connection, xcb_window_t root, const Area& area) {
+    const auto cookie = xcb_randr_get_monitors(connection, root, 1);
+    const auto reply = Own(xcb_randr_get_monitors_reply(connection, cookie, nullptr));
+    if (!reply || reply->nMonitors == 0) return RootArea(connection, root);
+    const Area middle{area.x + area.width / 2, area.y + area.height / 2, 1, 1};
+    for (auto it = xcb_randr_get_monitors_monitors_iterator(reply.get()); it.rem; xcb_randr_monitor_info_next(&it)) {
+        const Area monitor{it.data->x, it.data->y, it.data->width, it.data->height};
+        if (!Intersect(middle, monitor).IsEmpty()) return monitor;
+    }
+    return {};
+}
+
+}  // namespace
+
+class Screen::Impl {
+  public:
+    Impl(const std::string& display, const Area& wanted)
+        : area(wanted), connection(Connect(display, screenNumber)), screen(FindScreen(connection.get(), screenNumber)) {
+        RequireTrueColour(connection.get(), *screen);
+        RequireArea(area, RootArea(connection.get(), screen->root));
+        image = std::make_unique<SharedImage>(connection.get(), screen->root,
+                                              static_cast<std::size_t>(area.width) * area.height);
+        WatchDrawing();
+        WatchPointer();
+        WatchMonitors();
+        xcb_flush(connection.get());
+    }
+
+    void Pump() {
+        while (const auto event = Own(xcb_poll_for_event(connection.get()))) Handle(*event);
+    }
+
+    bool IsLost() const { return xcb_connection_has_error(connection.get()) != 0; }
+
+    std::vector<Area> TakeDrawnAreas() {
+        xcb_damage_subtract(connection.get(), damage, XCB_NONE, drawnRegion);
+        const auto cookie = xcb_xfixes_fetch_region(connection.get(), drawnRegion);
+        const auto reply = Own(xcb_xfixes_fetch_region_reply(connection.get(), cookie, nullptr));
+        std::vector<Area> areas;
+        if (!reply) return areas;
+        const auto* rectangles = xcb_xfixes_fetch_region_rectangles(reply.get());
+        for (int i = 0; i < xcb_xfixes_fetch_region_rectangles_length(reply.get()); ++i) {
+            const auto& r = rectangles[i];
+            const Area inside = Intersect({r.x, r.y, r.width, r.height}, area);
+            if (!inside.IsEmpty()) areas.push_back({inside.x - area.x, inside.y - area.y, inside.width, inside.height});
+        }
+        return MergeIfMany(areas);
+    }
+
+    void ReadInto(BgraPicture& picture, ChangeMap& changes, const Area& part) {
+        const auto* pixels = image->Read({area.x + part.x, area.y + part.y, part.width, part.height});
+        if (!pixels) return;
+        for (int y = 0; y < part.height; ++y) {
+            CompareLine(picture, changes, part, part.y + y, pixels + static_cast<std::size_t>(y) * part.width);
+        }
+    }
+
+    Area area;
+    int screenNumber = 0;
+    XcbConnection connection;
+    xcb_screen_t* screen;
+    std::unique_ptr<SharedImage> image;
+    xcb_damage_damage_t damage = 0;
+    xcb_xfixes_region_t drawnRegion = 0;
+    std::uint8_t damageEvent = 0;
+    std::uint8_t fixesEvent = 0;
+    std::uint8_t randrEvent = 0;
+    std::uint8_t inputOpcode = 0;
+    bool wasDrawn = false;
+    bool pointerMoved = true;
+    bool newResolution = false;
+    Area monitor;
+
+  private:
+    void WatchDrawing() {
+        auto* c = connection.get();
+        fixesEvent = RequireExtension(c, &xcb_xfixes_id, "XFIXES")->first_event;
+        damageEvent = RequireExtension(c, &xcb_damage_id, "DAMAGE")->first_event;
+        Own(xcb_xfixes_query_version_reply(c, xcb_xfixes_query_version(c, 5, 0), nullptr));
+        Own(xcb_damage_query_version_reply(c, xcb_damage_query_version(c, 1, 1), nullptr));
+        damage = xcb_generate_id(c);
+        xcb_damage_create(c, damage, screen->root, XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
+        drawnRegion = xcb_generate_id(c);
+        xcb_xfixes_create_region(c, drawnRegion, 0, nullptr);
+    }
+
+    /// Motion is told by the input extension, so that a pointer at rest costs nothing; without it the regular look at
+    /// the whole screen finds the pointer.
+    void WatchPointer() {
+        auto* c = connection.get();
+        xcb_xfixes_select_cursor_input(c, screen->root, XCB_XFIXES_CURSOR_NOTIFY_MASK_DISPLAY_CURSOR);
+        const auto* input = xcb_get_extension_data(c, &xcb_input_id);
+        if (!input || !input->present) return;
+        Own(xcb_input_xi_query_version_reply(c, xcb_input_xi_query_version(c, 2, 2), nullptr));
+        inputOpcode = input->major_opcode;
+        struct {
+            xcb_input_event_mask_t head;
+            std::uint32_t mask;
+        } const order{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, XCB_INPUT_XI_EVENT_MASK_RAW_MOTION};
+        xcb_input_xi_select_events(c, screen->root, 1, &order.head);
+    }
+
+    void WatchMonitors() {
+        const auto* randr = xcb_get_extension_data(connection.get(), &xcb_randr_id);
+        if (!randr || !randr->present) return;
+        randrEvent = randr->first_event;
+        auto* c = connection.get();
+        Own(xcb_randr_query_version_reply(c, xcb_randr_query_version(c, 1, 5), nullptr));
+        xcb_randr_select_input(c, screen->root,
+                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE);
+        monitor = MonitorOf(c, screen->root, area);
+    }
+
+    void Handle(const xcb_generic_event_t& event) {
+        const std::uint8_t type = event.response_type & 0x7F;
+        if (type == damageEvent + XCB_DAMAGE_NOTIFY) wasDrawn = true;
+        if (type == fixesEvent + XCB_XFIXES_CURSOR_NOTIFY) pointerMoved = true;
+        if (type == XCB_GE_GENERIC) {
+            pointerMoved |= reinterpret_cast<const xcb_ge_generic_event_t&>(event).extension == inputOpcode;
+        }
+        const bool randr = randrEvent && (type == randrEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
+                                          type == randrEvent + XCB_RANDR_NOTIFY);
+        if (randr) newResolution |= MonitorOf(connection.get(), screen->root, area) != monitor;
+    }
+
+    static std::vector<Area> MergeIfMany(const std::vector<Area>& areas) {
+        if (areas.size() <= kMostReads) return areas;
+        Area all;
+        for (const auto& one : areas) all = Unite(all, one);
+        return {all};
+    }
+
+    static void CompareLine(BgraPicture& picture, ChangeMap& changes, const Area& part, int y,
+                            const std::uint32_t* fresh) {
+        std::uint32_t* old = picture.Line(y) + part.x;
+        const std::size_t bytes = static_cast<std::size_t>(part.width) * sizeof(std::uint32_t);
+        if (std::memcmp(old, fresh, bytes) == 0) return;
+        for (int x = 0; x < part.width;) {
+            const int column = (part.x + x) / kBlock;
+            const int count = std::min((column + 1) * kBlock - (part.x + x), part.width - x);
+            const std::size_t pieceBytes = static_cast<std::size_t>(count) * sizeof(std::uint32_t);
+            if (std::memcmp(old + x, fresh + x, pieceBytes) != 0) changes.Mark(column, y / kBlock);
+            x += count;
+        }
+        std::memcpy(old, fresh, bytes);
+    }
+};
+
+Screen::Screen(const std::string& display, const Area& area) : m_impl(std::make_unique<Impl>(display, area)) {}
+Screen::~Screen() = default;
+
+int Screen::FileDescriptor() const {
+    return xcb_get_file_descriptor(m_impl->connection.get());
+}
+void Screen::Pump() {
+    m_impl->Pump();
+}
+bool Screen::HasNews() const {
+    return m_impl->wasDrawn || m_impl->pointerMoved;
+}
+bool Screen::IsLost() const {
+    return m_impl->IsLost();
+}
+bool Screen::HasNewResolution() const {
+    return m_impl->newResolution;
+}
+
+void Screen::Fetch(BgraPicture& picture, ChangeMap& changes, bool everywhere) {
+    if (m_impl->IsLost()) return;
+    const auto drawn = m_impl->wasDrawn ? m_impl->TakeDrawnAreas() : std::vector<Area>{};
+    m_impl->wasDrawn = false;
+    if (everywhere) {
+        m_impl->ReadInto(picture, changes, {0, 0, m_impl->area.width, m_impl->area.height});
+    } else {
+        for (const auto& part : drawn) m_impl->ReadInto(picture, changes, part);
+    }
+}
+
+PointerImage Screen::FetchPointer() {
+    m_impl->pointerMoved = false;
+    auto* c = m_impl->connection.get();
+    const auto cookie = xcb_xfixes_get_cursor_image(c);
+    const auto reply = Own(xcb_xfixes_get_cursor_image_reply(c, cookie, nullptr));
+    if (!reply) return {};
+    const Area& area = m_impl->area;
+    const Area place{reply->x - reply->xhot - area.x, reply->y - reply->yhot - area.y, reply->width, reply->height};
+    if (Intersect(place, {0, 0, area.width, area.height}).IsEmpty()) return {};
+    const auto* pixels = xcb_xfixes_get_cursor_image_cursor_image(reply.get());
+    return {place, {pixels, pixels + static_cast<std::size_t>(reply->width) * reply->height}};
+}
+
+Uniformity ProbePicture(const std::string& display, const Area& area) {
+    Screen screen(display, area);
+    BgraPicture picture(area.width, area.height);
+    ChangeMap changes(area.width, area.height);
+    screen.Fetch(picture, changes, true);
+    constexpr std::uint32_t kColour = 0x00FFFFFF;
+    const std::uint32_t first = picture.pixels.front() & kColour;
+    for (const auto pixel : picture.pixels) {
+        if ((pixel & kColour) != first) return {false, first};
+    }
+    return {true, first};
+}
+
+}  // namespace kestrum::media

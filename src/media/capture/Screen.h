@@ -1,0 +1,64 @@
+// The X11 screen as a source of changes: which pixels of a rectangle changed, where the pointer is, and whether the
+// screen is still the one that was there at the start. Decides what is fetched from the server; knows no time.
+//
+// One thread. After the loss of the server IsLost answers true and all else does nothing.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "media/capture/Area.h"
+#include "media/capture/CaptureError.h"
+#include "media/capture/Picture.h"
+
+namespace kestrum::media {
+
+/// The pointer's image, premultiplied ARGB, and where its upper left corner stands in the captured rectangle.
+struct PointerImage {
+    Area place;
+    std::vector<std::uint32_t> pixels;
+};
+
+class Screen {
+  public:
+    /// Opens `display` (empty: the environment's) for the rectangle `area` of its desktop. Throws CaptureError if the
+    /// display does not answer, or the area has an odd side or does not lie on the screen.
+    Screen(const std::string& display, const Area& area);
+    ~Screen();
+    Screen(const Screen&) = delete;
+    Screen& operator=(const Screen&) = delete;
+
+    /// Readable when Pump has something to do.
+    int FileDescriptor() const;
+    /// Takes in what the server has sent.
+    void Pump();
+    /// Something was drawn in the rectangle, or the pointer may have moved, since the last Fetch.
+    bool HasNews() const;
+    /// The server or the connection to it has gone.
+    bool IsLost() const;
+    /// The monitor that held the rectangle has another place or size now, or has gone.
+    bool HasNewResolution() const;
+
+    /// Brings `picture` up to date where something was drawn (`everywhere`: reads all of it), and marks what really
+    /// changed. The pointer is not part of it.
+    void Fetch(BgraPicture& picture, ChangeMap& changes, bool everywhere);
+    /// The pointer as it is now; an empty place if it is hidden or outside.
+    PointerImage FetchPointer();
+
+  private:
+    class Impl;
+    std::unique_ptr<Impl> m_impl;
+};
+
+/// What a picture of an area looks like as a whole.
+struct Uniformity {
+    bool isUniform = false;    ///< every pixel has one colour, as on a screen that cannot be captured
+    std::uint32_t colour = 0;  ///< 0x00RRGGBB of the first pixel
+};
+
+/// Looks at the area once. Throws as Screen does.
+Uniformity ProbePicture(const std::string& display, const Area& area);
+
+}  // namespace kestrum::media

@@ -1,0 +1,202 @@
+#include "media/capture/SoundInput.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "media/capture/CaptureError.h"
+#include "media/capture/Clock.h"
+#include "media/capture/PulseConnection.h"
+#include "media/capture/SampleClock.h"
+
+namespace kestrum::media {
+namespace {
+
+constexpr int kOpenTimeoutMs = 5000;
+constexpr std::int64_t kRetryNs = kNsPerSecond;
+// A source that is lost counts as silent up to so far before now, so that it can come back without an overlap.
+constexpr std::int64_t kSilenceLagNs = 300 * kNsPerMs;
+// A source that is there but gives nothing for so long (a suspended card) counts as silent too.
+constexpr std::int64_t kStallNs = 5 * kNsPerSecond;
+// Sound comes in blocks of about 20 ms.
+constexpr int kBlocksPerSecond = 50;
+
+struct StreamDeleter {
+    void operator()(pa_stream* stream) const {
+        pa_stream_set_read_callback(stream, nullptr, nullptr);
+        pa_stream_disconnect(stream);
+        pa_stream_unref(stream);
+    }
+};
+
+/// One source: its stream while it is there, and its samples on the time line.
+class Source {
+  public:
+    Source(std::string name, const AudioLayout& layout)
+        : m_name(std::move(name)), m_layout(layout), m_clock(layout.rate, layout.channels) {}
+
+    const std::string& Name() const { return m_name; }
+    SampleClock& Clock() { return m_clock; }
+    bool IsReady() const { return m_stream && pa_stream_get_state(m_stream.get()) == PA_STREAM_READY; }
+    /// The server has told how old its samples are: without that the first ones cannot be placed.
+    bool HasTiming() const {
+        pa_usec_t latency = 0;
+        int isNegative = 0;
+        return IsReady() && pa_stream_get_latency(m_stream.get(), &latency, &isNegative) == 0;
+    }
+    bool HasFailed() const { return !m_stream || !PA_STREAM_IS_GOOD(pa_stream_get_state(m_stream.get())); }
+
+    void Connect(pa_context* context) {
+        pa_sample_spec spec{PA_SAMPLE_FLOAT32NE, static_cast<std::uint32_t>(m_layout.rate),
+                            static_cast<std::uint8_t>(m_layout.channels)};
+        m_stream.reset(pa_stream_new(context, "Recording", &spec, nullptr));
+        if (!m_stream) return;
+        pa_stream_set_read_callback(
+            m_stream.get(), [](pa_stream*, std::size_t, void* self) { static_cast<Source*>(self)->Read(); }, this);
+        pa_buffer_attr buffer;
+        buffer.maxlength = buffer.tlength = buffer.prebuf = buffer.minreq = static_cast<std::uint32_t>(-1);
+        buffer.fragsize = static_cast<std::uint32_t>(pa_bytes_per_second(&spec) / kBlocksPerSecond);
+        constexpr int kFlags = PA_STREAM_DONT_MOVE | PA_STREAM_ADJUST_LATENCY | PA_STREAM_INTERPOLATE_TIMING |
+                               PA_STREAM_AUTO_TIMING_UPDATE;
+        pa_stream_connect_record(m_stream.get(), m_name.c_str(), &buffer, static_cast<pa_stream_flags_t>(kFlags));
+        m_lastDataNs = MonotonicNs();
+    }
+    void Disconnect() {
+        m_stream.reset();
+        m_clock.Interrupted();
+    }
+    bool IsStalled(std::int64_t nowNs) const { return nowNs - m_lastDataNs > kStallNs; }
+
+  private:
+    void Read() {
+        const void* data = nullptr;
+        std::size_t bytes = 0;
+        while (pa_stream_readable_size(m_stream.get()) > 0 && pa_stream_peek(m_stream.get(), &data, &bytes) == 0) {
+            if (bytes == 0) return;
+            Take(static_cast<const float*>(data), bytes / sizeof(float));
+            pa_stream_drop(m_stream.get());
+        }
+    }
+
+    void Take(const float* samples, std::size_t count) {
+        pa_usec_t latency = 0;
+        int isNegative = 0;
+        m_lastDataNs = MonotonicNs();
+        if (pa_stream_get_latency(m_stream.get(), &latency, &isNegative) != 0) return;
+        const std::int64_t ageNs = static_cast<std::int64_t>(latency) * 1000 * (isNegative ? -1 : 1);
+        const std::vector<float> hole(samples ? 0 : count, 0.0F);
+        m_clock.Push(m_lastDataNs - ageNs, samples ? std::span(samples, count) : std::span(hole));
+    }
+
+    const std::string m_name;
+    const AudioLayout m_layout;
+    SampleClock m_clock;
+    std::int64_t m_lastDataNs = 0;
+    std::unique_ptr<pa_stream, StreamDeleter> m_stream;
+};
+
+}  // namespace
+
+class SoundInput::Impl {
+  public:
+    Impl(std::vector<std::string> names, const AudioLayout& layout) : m_channels(layout.channels) {
+        for (auto& name : names) m_sources.push_back(std::make_unique<Source>(std::move(name), layout));
+        pulse = std::make_unique<PulseConnection>();
+    }
+
+    void Open() {
+        if (!pulse->WaitUntilReady(kOpenTimeoutMs)) {
+            throw CaptureError(CaptureErrorKind::kNoSound, "The sound server does not answer.");
+        }
+        for (auto& source : m_sources) source->Connect(pulse->Context());
+        const std::int64_t end = MonotonicNs() + kOpenTimeoutMs * kNsPerMs;
+        for (auto& source : m_sources) {
+            while (!source->HasTiming() && !source->HasFailed() && MonotonicNs() < end) pulse->Pump(20);
+            if (source->HasTiming()) continue;
+            throw CaptureError(CaptureErrorKind::kNoSound,
+                               "The sound source \"" + source->Name() + "\" cannot be opened.");
+        }
+    }
+
+    void Start(std::int64_t startNs) {
+        for (auto& source : m_sources) source->Clock().Start(startNs);
+    }
+
+    void Pump(int timeoutMs) {
+        pulse->Pump(timeoutMs);
+        const std::int64_t now = MonotonicNs();
+        if (now >= m_nextRetryNs && !IsComplete()) {
+            m_nextRetryNs = now + kRetryNs;
+            Reconnect();
+        }
+        for (auto& source : m_sources) {
+            if (!source->IsReady() || source->IsStalled(now)) source->Clock().FillTo(now - kSilenceLagNs);
+        }
+    }
+
+    void TakeMixed(std::vector<float>& out) {
+        std::size_t count = m_sources.front()->Clock().Output().size();
+        for (auto& source : m_sources) count = std::min(count, source->Clock().Output().size());
+        const std::size_t begin = out.size();
+        out.resize(begin + count, 0.0F);
+        for (auto& source : m_sources) {
+            auto& samples = source->Clock().Output();
+            for (std::size_t i = 0; i < count; ++i) out[begin + i] += samples[i];
+            samples.erase(samples.begin(), samples.begin() + static_cast<std::ptrdiff_t>(count));
+        }
+        if (m_sources.size() > 1) {
+            for (std::size_t i = begin; i < out.size(); ++i) out[i] = std::clamp(out[i], -1.0F, 1.0F);
+        }
+    }
+
+    void FillTo(std::int64_t ns) {
+        for (auto& source : m_sources) source->Clock().FillTo(ns);
+    }
+
+    bool IsComplete() const {
+        return std::all_of(m_sources.begin(), m_sources.end(), [](const auto& source) { return source->IsReady(); });
+    }
+
+    std::unique_ptr<PulseConnection> pulse;
+
+  private:
+    void Reconnect() {
+        if (pulse->HasFailed()) {
+            for (auto& source : m_sources) source->Disconnect();
+            pulse = std::make_unique<PulseConnection>();
+        }
+        if (!pulse->IsReady()) return;
+        for (auto& source : m_sources) {
+            if (!source->HasFailed()) continue;
+            source->Disconnect();
+            source->Connect(pulse->Context());
+        }
+    }
+
+    const int m_channels;
+    std::vector<std::unique_ptr<Source>> m_sources;
+    std::int64_t m_nextRetryNs = 0;
+};
+
+SoundInput::SoundInput(std::vector<std::string> sources, const AudioLayout& layout)
+    : m_impl(std::make_unique<Impl>(std::move(sources), layout)) {}
+SoundInput::~SoundInput() = default;
+void SoundInput::Open() {
+    m_impl->Open();
+}
+void SoundInput::Start(std::int64_t startNs) {
+    m_impl->Start(startNs);
+}
+void SoundInput::Pump(int timeoutMs) {
+    m_impl->Pump(timeoutMs);
+}
+void SoundInput::TakeMixed(std::vector<float>& out) {
+    m_impl->TakeMixed(out);
+}
+void SoundInput::FillTo(std::int64_t ns) {
+    m_impl->FillTo(ns);
+}
+bool SoundInput::IsComplete() const {
+    return m_impl->IsComplete();
+}
+
+}  // namespace kestrum::media

@@ -1,0 +1,162 @@
+#include "media/capture/VideoEncoder.h"
+
+#include <stdint.h>
+// x264.h wants the integer types before it.
+#include <x264.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "media/capture/CaptureError.h"
+
+namespace kestrum::media {
+namespace {
+
+// The stream's parameter sets must not depend on the frame rate chosen, so that a later recording fits an earlier one:
+// the encoder is told this rate always, and the limit of the bit rate is scaled instead.
+constexpr int kNominalRate = 30;
+constexpr float kQuality = 22;
+// Highest bit rate of a full-screen video: this many bits a second for each pixel of the picture (1080p: 8 Mbit/s).
+constexpr double kBitsPerPixel = 4.0;
+
+int LevelFor(int width, int height) {
+    const int blocks = ((width + 15) / 16) * ((height + 15) / 16);
+    if (blocks <= 8192) return 40;
+    if (blocks <= 22080) return 50;
+    return blocks <= 36864 ? 51 : 60;
+}
+
+x264_param_t MakeParameters(const VideoEncoderSettings& settings) {
+    x264_param_t p;
+    x264_param_default_preset(&p, "superfast", "zerolatency");
+    p.i_log_level = X264_LOG_NONE;
+    p.i_threads = 1;
+    p.b_sliced_threads = 0;
+    p.i_width = settings.width;
+    p.i_height = settings.height;
+    p.i_csp = X264_CSP_I420;
+    p.i_level_idc = LevelFor(settings.width, settings.height);
+    // With variable frame rate input the encoder would hold a picture back until the next change of the screen.
+    p.b_vfr_input = 0;
+    p.i_fps_num = kNominalRate;
+    p.i_fps_den = 1;
+    p.i_keyint_max = X264_KEYINT_MAX_INFINITE;
+    p.i_keyint_min = 1;
+    p.i_scenecut_threshold = 0;
+    p.b_repeat_headers = settings.headersInKeyFrames;
+    p.b_annexb = 0;
+    p.vui.i_colorprim = p.vui.i_transfer = p.vui.i_colmatrix = 1;  // BT.709
+    p.vui.b_fullrange = 0;
+    p.analyse.b_mb_info = 1;
+    p.analyse.i_weighted_pred = X264_WEIGHTP_NONE;
+    p.rc.i_aq_mode = X264_AQ_NONE;
+    p.rc.i_rc_method = X264_RC_CRF;
+    p.rc.f_rf_constant = kQuality;
+    p.rc.f_qcompress = 1;
+    const double scale = static_cast<double>(kNominalRate) / settings.framesPerSecond;
+    p.rc.i_vbv_max_bitrate =
+        std::max(1000, static_cast<int>(kBitsPerPixel * settings.width * settings.height * scale / 1000));
+    p.rc.i_vbv_buffer_size = p.rc.i_vbv_max_bitrate;
+    x264_param_apply_profile(&p, "high");
+    return p;
+}
+
+void AppendUnit(Bytes& out, const x264_nal_t& unit) {
+    const int size = unit.i_payload - 4;  // without the length in front
+    out.push_back(static_cast<std::uint8_t>(size >> 8));
+    out.push_back(static_cast<std::uint8_t>(size));
+    out.insert(out.end(), unit.p_payload + 4, unit.p_payload + unit.i_payload);
+}
+
+const x264_nal_t* FindUnit(const x264_nal_t* units, int count, int type) {
+    const auto* end = units + count;
+    const auto* found = std::find_if(units, end, [type](const x264_nal_t& unit) { return unit.i_type == type; });
+    return found == end ? nullptr : found;
+}
+
+}  // namespace
+
+class VideoEncoder::Impl {
+  public:
+    explicit Impl(const VideoEncoderSettings& settings) {
+        x264_param_t parameters = MakeParameters(settings);
+        m_encoder = x264_encoder_open(&parameters);
+        if (!m_encoder) throw CaptureError(CaptureErrorKind::kEncoder, "The video encoder does not take this size.");
+        m_columns = (settings.width + kBlock - 1) / kBlock;
+        m_blocks.resize(static_cast<std::size_t>(m_columns) * ((settings.height + kBlock - 1) / kBlock));
+        BuildAvcC();
+    }
+    ~Impl() { x264_encoder_close(m_encoder); }
+    Impl(const Impl&) = delete;
+    Impl& operator=(const Impl&) = delete;
+
+    EncodedPicture Encode(const I420Picture& picture, const ChangeMap& changes, bool key) {
+        x264_picture_t in, out;
+        x264_picture_init(&in);
+        in.i_type = key ? X264_TYPE_IDR : X264_TYPE_AUTO;
+        in.i_pts = m_count++;
+        Attach(in, picture);
+        FillBlocks(changes);
+        in.prop.mb_info = m_blocks.data();
+        x264_nal_t* units = nullptr;
+        int unitCount = 0;
+        const int size = x264_encoder_encode(m_encoder, &units, &unitCount, &in, &out);
+        if (size <= 0) throw CaptureError(CaptureErrorKind::kEncoder, "The video encoder failed.");
+        return {out.b_keyframe != 0, {units[0].p_payload, static_cast<std::size_t>(size)}};
+    }
+
+    Bytes avcC;
+
+  private:
+    static void Attach(x264_picture_t& in, const I420Picture& picture) {
+        in.img.i_csp = X264_CSP_I420;
+        in.img.i_plane = 3;
+        // The encoder's interface takes pictures without const; it only reads them.
+        in.img.plane[0] = const_cast<std::uint8_t*>(picture.luma.data());
+        in.img.plane[1] = const_cast<std::uint8_t*>(picture.cb.data());
+        in.img.plane[2] = const_cast<std::uint8_t*>(picture.cr.data());
+        in.img.i_stride[0] = picture.lumaStride;
+        in.img.i_stride[1] = in.img.i_stride[2] = picture.chromaStride;
+    }
+
+    void FillBlocks(const ChangeMap& changes) {
+        for (int row = 0; row < changes.Rows(); ++row) {
+            for (int column = 0; column < changes.Columns(); ++column) {
+                m_blocks[static_cast<std::size_t>(row) * m_columns + column] =
+                    changes.IsChanged(column, row) ? 0 : X264_MBINFO_CONSTANT;
+            }
+        }
+    }
+
+    void BuildAvcC() {
+        x264_nal_t* units = nullptr;
+        int count = 0;
+        x264_encoder_headers(m_encoder, &units, &count);
+        const auto* sps = FindUnit(units, count, NAL_SPS);
+        const auto* pps = FindUnit(units, count, NAL_PPS);
+        if (!sps || !pps) throw CaptureError(CaptureErrorKind::kEncoder, "The video encoder gave no parameter sets.");
+        const std::uint8_t* profile = sps->p_payload + 5;  // behind length and unit type: profile, constraints, level
+        avcC = {1, profile[0], profile[1], profile[2], 0xFF, 0xE1};
+        AppendUnit(avcC, *sps);
+        avcC.push_back(1);
+        AppendUnit(avcC, *pps);
+        const bool high = profile[0] >= 100;
+        if (high) avcC.insert(avcC.end(), {0xFD, 0xF8, 0xF8, 0});  // 4:2:0, 8 bits, no extension sets
+    }
+
+    x264_t* m_encoder = nullptr;
+    int m_columns = 0;
+    std::vector<std::uint8_t> m_blocks;
+    std::int64_t m_count = 0;
+};
+
+VideoEncoder::VideoEncoder(const VideoEncoderSettings& settings) : m_impl(std::make_unique<Impl>(settings)) {}
+VideoEncoder::~VideoEncoder() = default;
+const Bytes& VideoEncoder::AvcC() const {
+    return m_impl->avcC;
+}
+EncodedPicture VideoEncoder::Encode(const I420Picture& picture, const ChangeMap& changes, bool key) {
+    return m_impl->Encode(picture, changes, key);
+}
+
+}  // namespace kestrum::media
