@@ -64,6 +64,10 @@ class TextBox : public Stateful<Control, TextValues> {
     std::int32_t MaxLength() const { return m_values.maxLength; }
     void SetMaxLength(std::int32_t maxLength) { Assign(m_values.maxLength, maxLength); }
     std::function<void()> onChange;
+    /// Enter in the box. While it is set, Enter presses no button.
+    std::function<void()> onEnter;
+    /// The keyboard went to another control of the form.
+    std::function<void()> onLostFocus;
 };
 
 struct CheckValues {

@@ -117,7 +117,9 @@ class Form {
     bool ClickToolbar(Control& control, std::int32_t number);
     /// The pointer moves over a control, or (null) over the form's own ground.
     void PointAt(Control* control);
-    /// Enter: the focused button, else the default button.
+    /// The keyboard goes to a control.
+    bool MoveFocus(Control& control);
+    /// Enter: a text box that handles it, the focused button, else the default button.
     bool PressEnter();
     /// Escape: the cancel button.
     bool PressEscape();
@@ -157,6 +159,7 @@ class Form {
     };
 
     bool Accepts(const Control& control) const;
+    void TakeFocus(Control& control);
     void SaveDesign();
     void LeaveScreen();
     void StartTimers();

@@ -7,29 +7,41 @@
 namespace kestrum::ui {
 namespace {
 
-/// The handler of a click on the control after the click's own effect; null for a control that takes no click.
-const std::function<void()>* Clicked(Control& control) {
-    switch (control.Kind()) {
+bool TakesClick(ControlKind kind) {
+    switch (kind) {
         case ControlKind::CommandButton:
-            return &static_cast<CommandButton&>(control).onClick;
         case ControlKind::Link:
-            return &static_cast<Link&>(control).onClick;
         case ControlKind::Picture:
-            return &static_cast<Picture&>(control).onClick;
         case ControlKind::Menu:
-            return &static_cast<Menu&>(control).onClick;
+        case ControlKind::CheckBox:
+        case ControlKind::OptionButton:
+            return true;
+        default:
+            return false;
+    }
+}
+
+/// The click's own effect on a control that takes one; gives the handler that follows.
+const std::function<void()>& Clicked(Control& control) {
+    switch (control.Kind()) {
+        case ControlKind::Link:
+            return static_cast<Link&>(control).onClick;
+        case ControlKind::Picture:
+            return static_cast<Picture&>(control).onClick;
+        case ControlKind::Menu:
+            return static_cast<Menu&>(control).onClick;
         case ControlKind::CheckBox: {
             auto& box = static_cast<CheckBox&>(control);
             box.SetValue(box.Checked() ? 0 : 1);
-            return &box.onClick;
+            return box.onClick;
         }
         case ControlKind::OptionButton: {
             auto& option = static_cast<OptionButton&>(control);
             option.SetValue(true);
-            return &option.onClick;
+            return option.onClick;
         }
         default:
-            return nullptr;
+            return static_cast<CommandButton&>(control).onClick;
     }
 }
 
@@ -39,12 +51,24 @@ bool Form::Accepts(const Control& control) const {
     return m_visible && m_life == Life::Loaded && control.IsUsable();
 }
 
+/// The control that loses the keyboard hears of it before the act that took it.
+void Form::TakeFocus(Control& control) {
+    Control* left = std::exchange(m_focus, &control);
+    if (left == nullptr || left == &control || left->Kind() != ControlKind::TextBox) return;
+    Dispatch(static_cast<TextBox*>(left)->onLostFocus);
+}
+
+bool Form::MoveFocus(Control& control) {
+    if (!control.IsFocusable() || !Accepts(control)) return false;
+    TakeFocus(control);
+    return true;
+}
+
 bool Form::Click(Control& control) {
-    if (!Accepts(control)) return false;
-    const std::function<void()>* handler = Clicked(control);
-    if (handler == nullptr) return false;
-    if (control.IsFocusable()) m_focus = &control;
-    Dispatch(*handler);
+    if (!Accepts(control) || !TakesClick(control.Kind())) return false;
+    if (control.IsFocusable()) TakeFocus(control);
+    if (!Accepts(control)) return true;  // the control that lost the keyboard took this one away
+    Dispatch(Clicked(control));
     return true;
 }
 
@@ -57,7 +81,7 @@ bool Form::Select(Control& control, std::int32_t index) {
     if (!Accepts(control) || control.Kind() != ControlKind::ComboBox) return false;
     auto& box = static_cast<ComboBox&>(control);
     if (index < 0 || index >= static_cast<std::int32_t>(box.Items().size())) return false;
-    m_focus = &control;
+    TakeFocus(control);
     box.SetListIndex(index);
     Dispatch(box.onClick);
     return true;
@@ -72,7 +96,7 @@ bool Form::Type(Control& control, const String& text) {
     if (!Accepts(control) || control.Kind() != ControlKind::TextBox) return false;
     auto& box = static_cast<TextBox&>(control);
     if (box.ReadOnly()) return false;
-    m_focus = &control;
+    TakeFocus(control);
     const auto limit = static_cast<std::size_t>(box.MaxLength());
     box.SetText(limit > 0 && text.size() > limit ? text.substr(0, limit) : text);
     Dispatch(box.onChange);
@@ -87,7 +111,7 @@ bool Form::Type(StringView control, const String& text) {
 bool Form::Slide(Control& control, std::int32_t value) {
     if (!Accepts(control) || control.Kind() != ControlKind::Slider) return false;
     auto& slider = static_cast<Slider&>(control);
-    m_focus = &control;
+    TakeFocus(control);
     slider.SetValue(value);
     Dispatch(slider.onChange);
     return true;
@@ -118,6 +142,13 @@ void Form::PointAt(Control* control) {
 }
 
 bool Form::PressEnter() {
+    if (m_focus != nullptr && m_focus->Kind() == ControlKind::TextBox && Accepts(*m_focus)) {
+        const auto& box = static_cast<TextBox&>(*m_focus);
+        if (box.onEnter) {
+            Dispatch(box.onEnter);
+            return true;
+        }
+    }
     if (m_focus != nullptr && m_focus->Kind() == ControlKind::CommandButton) return Click(*m_focus);
     CommandButton* button = DefaultButton();
     return button != nullptr && Click(*button);
