@@ -4,11 +4,11 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 
 #include "host/String.h"
 #include "project/IndexItems.h"
 #include "support/Context.h"
+#include "support/modXml.h"
 
 namespace kestrum {
 
@@ -20,7 +20,6 @@ class CProjectFile {
     static constexpr std::int32_t kAllItems = -99;
 
     explicit CProjectFile(const support::Context& c);
-    ~CProjectFile();
     CProjectFile(const CProjectFile&) = delete;
     CProjectFile& operator=(const CProjectFile&) = delete;
 
@@ -69,8 +68,8 @@ class CProjectFile {
     void SetTitle(std::int32_t i, String itemTitle);
     /// Overwrites the last entry: title, position and date always, the url if given; the rest is ignored. Throws
     /// host::Error 9 on an empty list.
-    void SetLastItem(String itemTitle, String pos, String recDate, String url, String length, String posEnd,
-                     bool selected, std::int32_t before);
+    void SetLastItem(String itemTitle, String pos, String recDate, String url, const String& length,
+                     const String& posEnd, bool selected, std::int32_t before);
 
     /// Writes the object to `file`, to that of the last Load if empty. Once a Load was asked for, entries at or beyond
     /// the duration are left out and removed. Never throws; a failure shows a box (re-enters) and leaves the old or
@@ -84,12 +83,11 @@ class CProjectFile {
   private:
     class Loader;
     class Writer;
-    struct Tree;
 
     support::Context m_c;
     /// Set by the first Load: from then on entries beyond the media's end are dropped on Save.
     bool m_dropBeyondEnd = false;
-    std::unique_ptr<Tree> m_tree;
+    modXml::Document m_document;
 };
 
 }  // namespace kestrum

@@ -1,0 +1,84 @@
+#include "project/StoredProject.h"
+
+#include <tuple>
+
+#include "host/ResumeNext.h"
+#include "project/Paths.h"
+#include "support/modGlobal.h"
+#include "support/modXml.h"
+
+namespace kestrum::project {
+namespace {
+
+String UnsavedCopy(const support::Context& c) {
+    return c.support.packagePath + u".unsaved";
+}
+
+bool IsOlder(const host::DateTime& a, const host::DateTime& b) {
+    const auto key = [](const host::DateTime& t) {
+        return std::make_tuple(t.year, t.month, t.day, t.hour, t.minute, t.second, t.millisecond);
+    };
+    return key(a) < key(b);
+}
+
+/// Puts the copy of a failed store in the place of the older stored file. A package written since is another story.
+void PreferUnsavedCopy(const support::Context& c) {
+    const String copy = UnsavedCopy(c);
+    if (!c.host.fs.FileExists(copy)) return;
+    host::ResumeNext{c.host.trace}([&] {
+        if (!IsOlder(c.host.fs.FileTime(copy), c.host.fs.FileTime(c.support.packagePath)))
+            c.host.fs.CopyFile(copy, InWorkFolder(c, u"project.ksp"));
+    });
+}
+
+/// Where the latest project file lies: a save that was interrupted between deleting and renaming leaves the ".tmp".
+String ProjectFileToStore(const support::Context& c) {
+    const String file = InWorkFolder(c, u"project.ksp");
+    return c.host.fs.FileExists(file) ? file : file + u".tmp";
+}
+
+/// The cursor lies where it was unpacked until the template files are applied.
+String CursorToStore(const support::Context& c) {
+    const String cursor = PlayerCursor(c);
+    return c.host.fs.FileExists(cursor) ? cursor : InWorkFolder(c, u"cursor.gif");
+}
+
+bool Store(const support::Context& c, const host::StoredFiles& files) {
+    return c.host.ksLib.SetExtendDataInProject(NarrowPackage(c), NarrowPaths(c, files)) != -1;
+}
+
+}  // namespace
+
+bool HoldsMedia(const support::Context& c) {
+    return c.host.fs.FileExists(c.support.packagePath) && c.host.ksLib.IsEmptyProject(NarrowPackage(c)) == 0;
+}
+
+bool Unpack(const support::Context& c) {
+    const host::StoredFiles targets{InWorkFolder(c, u"project.ksp"), InWorkFolder(c, u"cursor.gif"),
+                                    InWorkFolder(c, u"photo.gif"), InWorkFolder(c, u"inteIndex.txt")};
+    if (c.host.ksLib.GetExtendDataFromProject(NarrowPackage(c), NarrowPaths(c, targets)) == -1) return false;
+    PreferUnsavedCopy(c);
+    return true;
+}
+
+void Pack(const Context& c) {
+    const host::StoredFiles files{ProjectFileToStore(c), CursorToStore(c), PhotoFile(c),
+                                  InWorkFolder(c, u"inteIndex.txt")};
+    if (!c.host.fs.FileExists(files.projectFile)) return;
+    // A second attempt finds a new worker if the first one died.
+    if (Store(c, files) || Store(c, files)) {
+        modGlobal::SafeDeleteFile(c, UnsavedCopy(c));
+        return;
+    }
+    c.host.trace.Note(u"The project could not be stored in " + c.support.packagePath);
+    modGlobal::SafeCopyFile(c, files.projectFile, UnsavedCopy(c));
+}
+
+String VersionOf(const support::Context& c, const String& file) {
+    String version;
+    host::ResumeNext{c.host.trace}.Set(
+        version, [&] { return modXml::Document::ParseBytes(c.host.fs.ReadFile(file)).Root().AttributeAt(0); });
+    return version;
+}
+
+}  // namespace kestrum::project
