@@ -3,12 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "media/convert/AvHandles.h"
 #include "media/convert/Mp4Conversion.h"
 #include "real/ChildProcess.h"
 
@@ -26,6 +28,8 @@ struct RecordingKind {
 
 class ConvertTest : public testing::Test {
   protected:
+    ConvertTest() { av_log_set_level(AV_LOG_FATAL); }
+
     std::string File(const std::string& name) const { return m_folder / name; }
 
     std::string MakeRecording(const std::string& name, const RecordingKind& kind) const {
@@ -39,6 +43,9 @@ class ConvertTest : public testing::Test {
                        {"-c:v", "libx264", "-preset", "ultrafast", "-bf", "0", "-g", "1000", "-sc_threshold", "0",
                         "-pix_fmt", "yuv420p", "-force_key_frames", kind.keyFrames});
         if (kind.withAudio) command.insert(command.end(), {"-c:a", kind.audioCodec, "-ar", "48000"});
+        // The encoder starts before 0; ffmpeg would move the whole recording back for it.
+        if (kind.withAudio && kind.audioCodec == "aac")
+            command.insert(command.end(), {"-bsf:a", "setts=pts=PTS+21:dts=DTS+21"});
         command.insert(command.end(), {"-t", "6", "-f", "matroska", path});
         EXPECT_EQ(real::Run(command).code, 0) << "ffmpeg could not make the recording";
         return path;

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <new>
 
+#include "media/convert/AvHandles.h"
 #include "media/convert/ConvertArguments.h"
 #include "media/convert/DrawFit.h"
 #include "media/convert/Mp4Conversion.h"
@@ -71,6 +72,7 @@ int Convert(const ConvertRequest& request) {
 int RunConvertMp4(const std::vector<std::string>& arguments) {
     std::signal(SIGPIPE, SIG_IGN);  // a parent that is gone is noticed on standard input
     [[maybe_unused]] const int niceness = nice(kNiceness);
+    av_log_set_level(AV_LOG_FATAL);  // what matters comes back as an error of the call
     try {
         const auto request = ParseConvertMp4(arguments);
         if (!request) {
@@ -92,6 +94,7 @@ int RunDrawFit(const std::vector<std::string>& arguments) {
         std::fputs("ksmedia draw-fit TARGET SOURCE\n", stderr);
         return kWrongLine;
     }
+    av_log_set_level(AV_LOG_FATAL);
     try {
         DrawFit(arguments[0], arguments[1]);
         return 0;
