@@ -3,9 +3,9 @@
 // its journal was written.
 //
 // Not thread-safe: the caller holds one mutex around all calls of one writer. The package stays locked against other
-// writers from Open to the destructor; readers of any process may look at the growing file meanwhile. All functions
-// throw media::Error; after a kDiskFull or kIo the writer can still be closed once there is space again, and what was
-// flushed before is safe in any case.
+// writers from Open to Close or the destructor; readers of any process may look at the growing file meanwhile. All
+// functions throw media::Error; after a kDiskFull or kIo the writer can still be closed once there is space again, and
+// what was flushed before is safe in any case.
 #pragma once
 
 #include <cstdint>
@@ -48,7 +48,7 @@ class PackageWriter {
     /// Adds one picture; returns the position it has in the file, which is `positionMs` unless that is not behind the
     /// last picture: then the next free millisecond. The first one must be a key frame.
     std::int64_t WriteVideo(std::int64_t positionMs, bool key, std::span<const std::uint8_t> sample);
-    /// Adds one access unit; a position before StartMs or before the last one is lifted to it. Returns its position.
+    /// Adds one access unit; a position before StartMs or not behind the last one is lifted. Returns its position.
     std::int64_t WriteAudio(std::int64_t positionMs, std::span<const std::uint8_t> sample);
     /// Hands everything given so far to the system: from here on a kill of the process does not cost it. Call it every
     /// 100 ms; nothing else writes samples to the file, but a buffer of 1 MiB that is full.
@@ -65,8 +65,8 @@ class PackageWriter {
     /// End of the samples written so far, at least StartMs.
     std::int64_t LengthMs() const;
     /// Finishes the package: key-frame list, length, and the journal merged into the stored project file. `endMs` is
-    /// the end of the recording on the time line; the length becomes the larger of it and LengthMs. The writer takes no
-    /// calls afterwards.
+    /// the end of the recording on the time line; the length becomes the larger of it and LengthMs. The lock is
+    /// given up; LengthMs is the one call that is left.
     void Close(std::int64_t endMs);
 
   private:

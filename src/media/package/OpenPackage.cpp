@@ -1,0 +1,53 @@
+#include "media/package/OpenPackage.h"
+
+#include "media/package/Error.h"
+#include "media/package/Recovery.h"
+
+namespace kestrum::media {
+
+namespace {
+
+using namespace ebml;
+
+void RequireOurs(const PackageMap& map) {
+    if (!map.IsOurs()) throw Error(ErrorKind::kNotAPackage, "The file is not a Kestrum package.", 0);
+    if (map.formatVersion == kFormatVersion) return;
+    throw Error(ErrorKind::kNotAPackage,
+                "The package has the format version " + std::to_string(map.formatVersion / 256) + "." +
+                    std::to_string(map.formatVersion % 256) + ", which this program cannot write.",
+                0);
+}
+
+}  // namespace
+
+std::unique_ptr<IStorage> OpenOrCreate(const std::string& path) {
+    if (!FileStorage::Exists(path)) return FileStorage::Create(path, BuildEmptyPackage(), kMediaAt);
+    auto storage = FileStorage::Open(path, FileStorage::Access::kReadWrite);
+    if (storage->LockExclusive() == LockResult::kHeldByOther)
+        throw Error(ErrorKind::kLocked, "'" + path + "' is being recorded or written by another program.", 0);
+    return storage;
+}
+
+std::optional<RecoveryReport> PrepareForWriting(IStorage& storage) {
+    RequireOurs(ReadMap(storage));
+    const auto recovered = RecoverIfInterrupted(storage);
+    const PackageMap map = ReadMap(storage);
+    if (map.tailWhole && map.referencedEnd < map.fileSize) storage.Truncate(map.referencedEnd);
+    return recovered;
+}
+
+void WriteTracks(IStorage& storage, const TrackConfigs& tracks) {
+    const Bytes room = BuildTracksRoom(tracks);
+    Bytes hidden = LongVoidHeader(kRegionAt - kTracksAt);
+    hidden.resize(kLongHeaderSize);
+    storage.WriteAt(kTracksAt, hidden);
+    storage.WriteAt(kTracksAt + kLongHeaderSize, std::span(room).subspan(kLongHeaderSize));
+    storage.Sync();
+    storage.WriteAt(kTracksAt, std::span(room).first(kLongHeaderSize));
+    Head head = ReadMap(storage).head;
+    head.tracks = kTracksAt;
+    storage.WriteAt(0, BuildHead(head));
+    storage.Sync();
+}
+
+}  // namespace kestrum::media

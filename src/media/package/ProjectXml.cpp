@@ -1,0 +1,159 @@
+#include "media/package/ProjectXml.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdio>
+#include <iterator>
+#include <pugixml.hpp>
+#include <set>
+#include <sstream>
+
+namespace kestrum::media {
+
+namespace {
+
+/// Line breaks inside texts are kept as they stand; blanks between elements are dropped and written anew.
+constexpr unsigned kParseMode =
+    (pugi::parse_default | pugi::parse_declaration | pugi::parse_comments | pugi::parse_pi | pugi::parse_doctype) &
+    ~pugi::parse_eol;
+
+bool Parse(pugi::xml_document& document, const Bytes& projectFile) {
+    return document.load_buffer(projectFile.data(), projectFile.size(), kParseMode) && document.document_element();
+}
+
+pugi::xml_node IndexNode(const pugi::xml_document& document) {
+    return document.document_element().child("project").child("index");
+}
+
+/// The index element, made if there is none; empty if this is no project file.
+pugi::xml_node RequireIndex(pugi::xml_document& document) {
+    pugi::xml_node index = IndexNode(document);
+    pugi::xml_node project = document.document_element().child("project");
+    if (index || !project) return index;
+    index = project.append_child("index");
+    index.append_attribute("duration");
+    index.append_attribute("type") = "OL";
+    return index;
+}
+
+std::optional<std::int64_t> ParseNumber(std::string_view text) {
+    std::int64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+    return number;
+}
+
+/// Control characters are no legal XML, and a title needs none.
+std::string WithoutControls(std::string text) {
+    text.erase(std::remove_if(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }),
+               text.end());
+    return text;
+}
+
+void FillItem(pugi::xml_node item, const JournalEntry& entry) {
+    item.append_child("title").text() = WithoutControls(entry.title).c_str();
+    item.append_child("recdate").text() = WithoutControls(entry.recDate).c_str();
+    item.append_child("pos").text() = std::to_string(entry.pos).c_str();
+    if (!entry.url.empty()) item.append_child("url").text() = WithoutControls(entry.url).c_str();
+}
+
+/// The journal's entries of which something was recorded; counts the others.
+std::vector<JournalEntry> Recorded(const std::vector<JournalEntry>& journal, std::int64_t lengthMs, int& withoutMedia) {
+    std::vector<JournalEntry> recorded;
+    std::copy_if(journal.begin(), journal.end(), std::back_inserter(recorded),
+                 [&](const JournalEntry& entry) { return entry.pos < lengthMs; });
+    withoutMedia = static_cast<int>(journal.size() - recorded.size());
+    return recorded;
+}
+
+/// Serialised as the project file is always written: a line break between tags that touch, nothing else.
+Bytes Serialise(const pugi::xml_document& document) {
+    std::ostringstream stream;
+    document.save(stream, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
+    const std::string text = stream.str();
+    Bytes bytes;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        bytes.push_back(static_cast<std::uint8_t>(text[i]));
+        if (text[i] != '>' || i + 1 == text.size() || text[i + 1] != '<') continue;
+        bytes.push_back('\r');
+        bytes.push_back('\n');
+    }
+    return bytes;
+}
+
+MergedProject Finish(pugi::xml_document& document, pugi::xml_node index, std::int64_t lengthMs, int withoutMedia) {
+    pugi::xml_attribute duration = index.attribute("duration");
+    if (!duration) duration = index.prepend_attribute("duration");
+    duration = DurationText(lengthMs).c_str();
+    const auto items = index.children();
+    return {Serialise(document), static_cast<int>(std::distance(items.begin(), items.end())), withoutMedia};
+}
+
+/// The first item behind `ms`, where one for `ms` goes in front.
+pugi::xml_node FirstBehind(pugi::xml_node index, std::int64_t ms) {
+    for (pugi::xml_node item : index.children())
+        if (ParseNumber(item.child_value("pos")).value_or(-1) > ms) return item;
+    return {};
+}
+
+}  // namespace
+
+std::vector<ChapterMark> ChapterMarksOf(const Bytes& projectFile) {
+    pugi::xml_document document;
+    std::vector<ChapterMark> marks;
+    if (!Parse(document, projectFile)) return marks;
+    for (const pugi::xml_node& item : IndexNode(document).children()) {
+        const auto ms = ParseNumber(item.child_value("pos"));
+        if (ms && *ms >= 0 && *ms <= 0x7FFFFFFF) marks.push_back({*ms, item.child_value("title")});
+    }
+    return marks;
+}
+
+std::optional<MergedProject> ReplaceIndex(const Bytes& projectFile, const std::vector<JournalEntry>& journal,
+                                          std::int64_t lengthMs) {
+    pugi::xml_document document;
+    if (!Parse(document, projectFile)) return std::nullopt;
+    pugi::xml_node index = RequireIndex(document);
+    if (!index) return std::nullopt;
+    index.remove_children();
+    int withoutMedia = 0;
+    for (const JournalEntry& entry : Recorded(journal, lengthMs, withoutMedia))
+        FillItem(index.append_child("item"), entry);
+    return Finish(document, index, lengthMs, withoutMedia);
+}
+
+std::optional<MergedProject> AddToIndex(const Bytes& projectFile, const std::vector<JournalEntry>& journal,
+                                        std::int64_t lengthMs) {
+    pugi::xml_document document;
+    if (!Parse(document, projectFile)) return std::nullopt;
+    pugi::xml_node index = RequireIndex(document);
+    if (!index) return std::nullopt;
+    std::set<std::int64_t> known;
+    for (const pugi::xml_node& item : index.children()) known.insert(ParseNumber(item.child_value("pos")).value_or(-1));
+    int withoutMedia = 0;
+    for (const JournalEntry& entry : Recorded(journal, lengthMs, withoutMedia)) {
+        if (entry.pos < 0 || !known.insert(entry.pos).second) continue;
+        const pugi::xml_node behind = FirstBehind(index, entry.pos);
+        FillItem(behind ? index.insert_child_before("item", behind) : index.append_child("item"), entry);
+    }
+    return Finish(document, index, lengthMs, withoutMedia);
+}
+
+std::optional<MergedProject> SetDuration(const Bytes& projectFile, std::int64_t lengthMs) {
+    return AddToIndex(projectFile, {}, lengthMs);
+}
+
+std::string DurationText(std::int64_t ms) {
+    const auto seconds = static_cast<long long>(ms / 1000);
+    const auto fraction = static_cast<long long>(ms % 1000);
+    char text[64];
+    std::snprintf(text, sizeof(text), "%02lld:%02lld", seconds / 60 % 60, seconds % 60);
+    std::string result = text;
+    if (fraction != 0) {
+        std::snprintf(text, sizeof(text), ".%03lld", fraction);
+        result += text;
+    }
+    return seconds >= 3600 ? std::to_string(seconds / 3600) + ":" + result : result;
+}
+
+}  // namespace kestrum::media
