@@ -65,7 +65,7 @@ struct State {
     MsgBoxState msgBox;
     MsgLinkState msgLink;
 
-    /// The language file, parsed on the first lookup; null while it could not be.
+    /// The language file, parsed on the first lookup; an empty document if it cannot be read.
     std::shared_ptr<const modXml::Document> language;
     /// What the last ParseJson found wrong.
     String jsonErrors;

@@ -1,4 +1,5 @@
-// Runs a tool while the calling code waits: a modal window without controls that closes when the tool has ended.
+// Runs a tool while the calling code waits: a modal window without controls that closes when the tool has ended. The
+// user cannot close it before: that would end an editor with its unsaved work.
 #pragma once
 
 #include <memory>
@@ -22,7 +23,7 @@ class frmExecCmd : public ui::Form {
 
   protected:
     void OnLoad() override;
-    bool OnQueryUnload(ui::CloseReason reason) override;
+    void OnActivate() override;
 
   private:
     void tmrExec_Timer();
@@ -35,6 +36,8 @@ class frmExecCmd : public ui::Form {
     std::vector<String> m_parameters;
     bool m_useShell = false;
     bool m_cancel = false;
+    /// This form got the keyboard, which belongs to the tool's window.
+    bool m_foreground = false;
     std::unique_ptr<host::IProcess> m_process;
 };
 

@@ -12,21 +12,19 @@
 #include "host/Error.h"
 #include "host/String.h"
 
-namespace kestrum::modXml {
+namespace pugi {
+struct xml_node_struct;
+}
 
-struct Handle;
+namespace kestrum::modXml {
 
 /// One element, or none (as a failed selection gives it). A cheap handle into its document, which must outlive it.
 /// Reading or writing through none is host::Error 91.
 class Node {
   public:
-    Node();
-    explicit Node(const Handle& handle);
-    Node(const Node& other);
-    Node& operator=(const Node& other);
-    ~Node();
+    Node() = default;
 
-    explicit operator bool() const;
+    explicit operator bool() const { return m_body != nullptr; }
     String Name() const;
     /// All text inside the element, its descendants' included, in document order.
     String Text() const;
@@ -66,7 +64,8 @@ class Node {
 
   private:
     friend class Document;
-    std::unique_ptr<Handle> m_handle;
+    explicit Node(pugi::xml_node_struct* body) : m_body(body) {}
+    pugi::xml_node_struct* m_body = nullptr;
 };
 
 /// A parsed document. Movable; nodes of it end with it.
@@ -78,8 +77,8 @@ class Document {
     Document(Document&& other) noexcept;
     Document& operator=(Document&& other) noexcept;
 
-    /// Bytes of a file in UTF-8 or UTF-16 (with or without a mark) or as its declaration says. Error 13 with the
-    /// parser's reason if it is no well-formed document with one root.
+    /// Bytes of a file in UTF-8 or UTF-16, with or without a mark. Error 13 with the parser's reason if it is no
+    /// well-formed document with one root.
     static Document ParseBytes(const std::string& bytes);
     /// The same for a text.
     static Document Parse(StringView text);

@@ -126,6 +126,9 @@ class Form {
     /// The frame's close button; false if it does not work or the form refuses.
     bool CloseByUser();
 
+    /// The window got the keyboard; presenters call it each time.
+    void Activated();
+
     /// Runs a handler; the form's object outlives it. For controls and presenters.
     void Dispatch(const std::function<void()>& handler);
     /// A control's value changed; the presenter follows while the form is visible.
@@ -148,6 +151,8 @@ class Form {
     virtual void OnUnload() {}
     /// The pointer moved over the form's own ground.
     virtual void OnMouseMove() {}
+    /// The window got the keyboard.
+    virtual void OnActivate() {}
 
   private:
     friend class Control;

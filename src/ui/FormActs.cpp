@@ -141,6 +141,10 @@ void Form::PointAt(Control* control) {
     }
 }
 
+void Form::Activated() {
+    if (m_visible && m_life == Life::Loaded) Dispatch([this] { OnActivate(); });
+}
+
 bool Form::PressEnter() {
     if (m_focus != nullptr && m_focus->Kind() == ControlKind::TextBox && Accepts(*m_focus)) {
         const auto& box = static_cast<TextBox&>(*m_focus);

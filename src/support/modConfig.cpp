@@ -1,0 +1,26 @@
+#include "support/modConfig.h"
+
+#include "support/modGlobal.h"
+
+namespace kestrum::modConfig {
+
+String GetSetting(const support::Context& c, StringView section, StringView key, StringView fallback) {
+    const std::optional<String> stored = c.host.settings.Read(String(kApplication), String(section), String(key));
+    return stored ? *stored : String(fallback);
+}
+
+void SaveSetting(const support::Context& c, StringView section, StringView key, StringView value) {
+    c.host.settings.Write(String(kApplication), String(section), String(key), String(value));
+}
+
+String GetHexSetting(const support::Context& c, StringView section, StringView key, StringView fallback) {
+    const String stored = GetSetting(c, section, key, fallback);
+    if (stored.size() <= 2) return String(fallback);
+    return stored.starts_with(u"&H") ? modGlobal::DecodeHexText(stored) : stored;
+}
+
+void SaveHexSetting(const support::Context& c, StringView section, StringView key, StringView value) {
+    SaveSetting(c, section, key, modGlobal::EncodeHexText(value));
+}
+
+}  // namespace kestrum::modConfig

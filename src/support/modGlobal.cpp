@@ -1,0 +1,38 @@
+#include "support/modGlobal.h"
+
+#include "support/modConfig.h"
+
+namespace kestrum::modGlobal {
+namespace {
+
+constexpr std::int32_t kLargestTick = 2147483647;
+constexpr std::int32_t kTokenLifeMs = 60000;
+
+}  // namespace
+
+String SecondsToText(std::int32_t seconds) {
+    const auto part = [](std::int32_t number) { return FormatPattern(number, u"00"); };
+    return part(seconds / 3600) + u":" + part(seconds / 60 % 60) + u":" + part(seconds % 60);
+}
+
+std::int32_t GetPositiveTick(host::IEventLoop& loop) {
+    return loop.TickCount() & kLargestTick;
+}
+
+std::int32_t TickDiff(std::int32_t earlier, std::int32_t later) {
+    const std::int64_t from = earlier;
+    const std::int64_t to = later;
+    return ToInt32(from > to ? kLargestTick - from + to : to - from);
+}
+
+bool IsTokenFresh(const support::Context& c, StringView owner) {
+    const String section = u"tokens\\" + String(owner);
+    const std::int32_t touched = ToInt32(modConfig::GetSetting(c, section, u"touchtime", u"0"));
+    return TickDiff(touched, GetPositiveTick(c.host.loop)) < kTokenLifeMs;
+}
+
+std::int32_t GetOsVersion(const support::Context& c) {
+    return c.host.shell.OsVersionCode();
+}
+
+}  // namespace kestrum::modGlobal
