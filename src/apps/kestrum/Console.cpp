@@ -1,0 +1,50 @@
+#include "apps/kestrum/Console.h"
+
+#include <unistd.h>
+
+#include <iostream>
+
+namespace kestrum::app {
+
+Console::Console() : m_terminal(isatty(STDOUT_FILENO) == 1) {}
+
+void Console::Result(const std::string& line) {
+    EndProgress();
+    std::cout << line << std::endl;
+}
+
+void Console::Notice(const String& text) { Result(host::ToUtf8(OneLine(text))); }
+
+void Console::Progress(const String& text) {
+    if (text == m_lastProgress || text.empty()) return;
+    m_lastProgress = text;
+    if (m_terminal) {
+        std::cout << '\r' << host::ToUtf8(OneLine(text)) << "\x1b[K" << std::flush;
+        m_progressShown = true;
+    } else {
+        std::cout << host::ToUtf8(OneLine(text)) << std::endl;
+    }
+}
+
+void Console::Failure(const String& sentence) {
+    EndProgress();
+    std::cerr << "kestrum: " << host::ToUtf8(OneLine(sentence)) << std::endl;
+}
+
+void Console::EndProgress() {
+    if (m_progressShown) std::cout << std::endl;
+    m_progressShown = false;
+}
+
+String OneLine(const String& text) {
+    String line;
+    for (const char16_t unit : text) {
+        const bool blank = unit == u'\r' || unit == u'\n' || unit == u'\t';
+        if (!blank) line += unit;
+        if (blank && !line.empty() && line.back() != u' ') line += u' ';
+    }
+    while (!line.empty() && line.back() == u' ') line.pop_back();
+    return line;
+}
+
+}  // namespace kestrum::app

@@ -1,0 +1,35 @@
+// What the program says on the terminal. Results and notices go to standard output, a line each; the one sentence of a
+// failure goes to standard error. Progress overwrites its line on a terminal and is thinned out elsewhere.
+#pragma once
+
+#include <string>
+
+#include "host/String.h"
+
+namespace kestrum::app {
+
+class Console {
+  public:
+    Console();
+
+    /// A line of the result, such as "package: PATH".
+    void Result(const std::string& line);
+    /// A line about what is going on.
+    void Notice(const String& text);
+    /// The state of long work; shown when it differs from the last one.
+    void Progress(const String& text);
+    /// The one sentence of a failure.
+    void Failure(const String& sentence);
+
+  private:
+    void EndProgress();
+
+    bool m_terminal;
+    bool m_progressShown = false;
+    String m_lastProgress;
+};
+
+/// One line of `text`: line breaks become blanks.
+String OneLine(const String& text);
+
+}  // namespace kestrum::app
