@@ -1,0 +1,16 @@
+#include "apps/kestrum/InfoCommand.h"
+
+#include "apps/kestrum/PackageDescription.h"
+#include "support/JSON.h"
+
+namespace kestrum::app {
+
+int RunInfo(const support::Context& c, Console& console, const InfoRequest& request) {
+    const PackageDescription description = Describe(c, host::FromUtf8(request.package));
+    String text = request.json ? JSON::ToJsonText(ToJson(description)) : ToText(description);
+    while (!text.empty() && text.back() == u'\n') text.pop_back();
+    console.Result(host::ToUtf8(text));
+    return 0;
+}
+
+}  // namespace kestrum::app

@@ -1,0 +1,13 @@
+// `kestrum info`: what a package holds, without changing it and without opening a project.
+#pragma once
+
+#include "apps/kestrum/CommandLine.h"
+#include "apps/kestrum/Console.h"
+#include "support/Context.h"
+
+namespace kestrum::app {
+
+/// Prints the description; the exit code.
+int RunInfo(const support::Context& c, Console& console, const InfoRequest& request);
+
+}  // namespace kestrum::app
