@@ -1,0 +1,40 @@
+// Gives the lecture when nobody is there: shows each slide of a running show for a fixed time, steps its builds in the
+// second half of that time, and ends the show after the last slide. Time counts from Begin, so that the slides do not
+// drift, however long a change takes.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "host/IApplication.h"
+#include "host/IEventLoop.h"
+#include "host/ITrace.h"
+
+namespace kestrum::app {
+
+class SlideAdvance {
+  public:
+    /// `slideMs`: how long each slide stays.
+    SlideAdvance(host::IApplication& office, host::IEventLoop& loop, host::ITrace& trace, std::int32_t slideMs);
+
+    /// The first slide's time begins now.
+    void Begin();
+    void Stop() { m_timer.reset(); }
+
+  private:
+    void Tick();
+    void StepBuilds(host::ISlideShowView& view);
+    void LeaveSlide(host::ISlideShowView& view);
+    std::int32_t Elapsed() const;
+
+    host::IApplication& m_office;
+    host::IEventLoop& m_loop;
+    host::ITrace& m_trace;
+    const std::int32_t m_slideMs;
+    std::int32_t m_start = 0;
+    std::int32_t m_slidesLeft = 0;   ///< how many slides have had their time
+    std::int32_t m_nextBuild = 0;    ///< when the next build comes in, ms after Begin
+    std::unique_ptr<host::ITimer> m_timer;
+};
+
+}  // namespace kestrum::app
