@@ -16,6 +16,7 @@ enum class Alignment { Left, Centre, Right };
 
 struct LabelValues {
     Alignment alignment = Alignment::Left;
+    std::int32_t foreColour = -1;
 };
 
 /// Text that is read. Line breaks are CR LF; long lines wrap at the form's width.
@@ -24,6 +25,9 @@ class Label : public Stateful<CaptionedControl, LabelValues> {
     Label(Form& owner, String name, std::int32_t index = -1);
     Alignment TextAlignment() const { return m_values.alignment; }
     void SetTextAlignment(Alignment alignment) { Assign(m_values.alignment, alignment); }
+    /// Colour of the text as 0x00BBGGRR; -1 is the desktop's.
+    std::int32_t ForeColour() const { return m_values.foreColour; }
+    void SetForeColour(std::int32_t colour) { Assign(m_values.foreColour, colour); }
 };
 
 struct LinkValues {
@@ -42,6 +46,7 @@ class Link : public Stateful<CaptionedControl, LinkValues> {
 
 struct TextValues {
     String text;
+    bool allSelected = false;
     bool readOnly = false;
     bool password = false;
     bool multiLine = false;
@@ -52,7 +57,14 @@ class TextBox : public Stateful<Control, TextValues> {
   public:
     TextBox(Form& owner, String name);
     const String& Text() const { return m_values.text; }
-    void SetText(String text) { Assign(m_values.text, std::move(text)); }
+    /// Ends a selection.
+    void SetText(String text) {
+        m_values.allSelected = false;
+        Assign(m_values.text, std::move(text));
+    }
+    /// Selects the whole text: what the user types next replaces it.
+    void SelectAll() { Assign(m_values.allSelected, true); }
+    bool AllSelected() const { return m_values.allSelected; }
     bool ReadOnly() const { return m_values.readOnly; }
     void SetReadOnly(bool readOnly) { Assign(m_values.readOnly, readOnly); }
     /// Shows dots for characters.

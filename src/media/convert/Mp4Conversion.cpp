@@ -1,0 +1,121 @@
+#include "media/convert/Mp4Conversion.h"
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+#include "media/convert/AudioEncode.h"
+#include "media/convert/KeyFramePlan.h"
+#include "media/convert/Mp4Output.h"
+#include "media/convert/PackageInput.h"
+#include "media/convert/TrackCopy.h"
+#include "media/convert/VideoEncode.h"
+#include "media/package/Error.h"
+
+namespace kestrum::media {
+
+namespace {
+
+struct StopRequested {};
+
+bool EntriesOnKeyFrames(const PackageInput& input, const std::vector<ConvertEntry>& entries) {
+    return std::all_of(entries.begin(), entries.end(),
+                       [&](const ConvertEntry& entry) { return input.IsKeyFrame(entry.pos); });
+}
+
+bool KeepsSize(const ConvertRequest& request, const AVCodecParameters& source) {
+    return (request.width <= 0 && request.height <= 0) ||
+           (request.width == source.width && request.height == source.height);
+}
+
+std::unique_ptr<TrackJob> MakeVideoJob(const ConvertRequest& request, const std::vector<ConvertEntry>& entries,
+                                       const PackageInput& input, Mp4Output& output) {
+    const AVCodecParameters& source = *input.Video().codecpar;
+    const bool sameSize = KeepsSize(request, source);
+    const bool copy =
+        source.codec_id == AV_CODEC_ID_H264 && request.videoKbps <= 0 && sameSize && EntriesOnKeyFrames(input, entries);
+    if (copy) return std::make_unique<VideoCopy>(input.Video(), output);
+    // H.264 in 4:2:0 needs even sides.
+    const VideoEncodeSettings settings{(sameSize ? source.width : request.width) / 2 * 2,
+                                       (sameSize ? source.height : request.height) / 2 * 2, request.videoKbps};
+    return std::make_unique<VideoEncode>(input.Video(), settings, KeyFramePlan(entries, input.LengthMs()), output);
+}
+
+std::unique_ptr<TrackJob> MakeAudioJob(const ConvertRequest& request, const PackageInput& input, Mp4Output& output) {
+    if (input.Audio() == nullptr) return nullptr;
+    if (input.Audio()->codecpar->codec_id == AV_CODEC_ID_AAC)
+        return std::make_unique<AudioCopy>(*input.Audio(), output);
+    return std::make_unique<AudioEncode>(*input.Audio(), request.audioKbps, output);
+}
+
+/// The index of the movie: entries with a place in it.
+std::vector<ConvertEntry> EntriesOf(const ConvertRequest& request, const PackageInput& input) {
+    std::vector<ConvertEntry> entries = request.entriesGiven ? request.entries : input.Chapters();
+    const std::int64_t length = input.LengthMs();
+    entries.erase(std::remove_if(entries.begin(), entries.end(),
+                                 [length](const auto& entry) { return entry.pos < 0 || entry.pos >= length; }),
+                  entries.end());
+    return entries;
+}
+
+void RejectCamera(const ConvertRequest& request, const PackageInput& input) {
+    if (input.HasCamera() && request.camera.width > 0 && request.camera.height > 0)
+        throw Error(ErrorKind::kBadCall,
+                    "The webcam picture cannot be placed in the movie yet; publish with the position \"none\".", 0);
+}
+
+class Run {
+  public:
+    Run(const ConvertRequest& request, const ConvertCallbacks& callbacks)
+        : m_callbacks(callbacks), m_input(request.package), m_output(request.output, request.sizeLimit) {
+        RejectCamera(request, m_input);
+        const auto entries = EntriesOf(request, m_input);
+        m_video = MakeVideoJob(request, entries, m_input, m_output);
+        m_audio = MakeAudioJob(request, m_input, m_output);
+        m_output.Begin(entries, m_input.LengthMs());
+    }
+
+    void Work() {
+        auto packet = NewPacket();
+        while (CheckStop(), m_input.Read(*packet)) TakePacket(*packet);
+        m_video->Finish();
+        if (m_audio) m_audio->Finish();
+        CheckStop();
+        m_output.Finish(std::max(m_input.LengthMs(), m_position));
+    }
+
+  private:
+    void TakePacket(AVPacket& packet) {
+        const bool pictures = packet.stream_index == m_input.Video().index;
+        const AVRational timeBase = pictures ? m_input.Video().time_base : m_input.Audio()->time_base;
+        m_position = std::max(m_position, ToMs(packet.pts, timeBase));
+        (pictures ? *m_video : *m_audio).Take(packet);
+        if (m_callbacks.onPosition) m_callbacks.onPosition(m_position);
+    }
+
+    void CheckStop() const {
+        if (m_callbacks.stopRequested && m_callbacks.stopRequested()) throw StopRequested{};
+    }
+
+    const ConvertCallbacks& m_callbacks;
+    PackageInput m_input;
+    Mp4Output m_output;
+    std::unique_ptr<TrackJob> m_video;
+    std::unique_ptr<TrackJob> m_audio;
+    std::int64_t m_position = 0;
+};
+
+}  // namespace
+
+ConvertOutcome ConvertToMp4(const ConvertRequest& request, const ConvertCallbacks& callbacks) {
+    try {
+        Run(request, callbacks).Work();
+        return ConvertOutcome::kFinished;
+    } catch (const StopRequested&) {
+        return ConvertOutcome::kStopped;
+    } catch (const SizeLimitReached&) {
+        return ConvertOutcome::kSizeLimit;
+    }
+}
+
+}  // namespace kestrum::media

@@ -1,0 +1,66 @@
+#include "media/convert/PackageInput.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "media/package/Error.h"
+
+namespace kestrum::media {
+
+std::int64_t ToMs(std::int64_t timestamp, AVRational timeBase) {
+    return av_rescale_q(timestamp, timeBase, AVRational{1, 1000});
+}
+
+PackageInput::PackageInput(const std::string& path) : m_input(OpenInput(path)) {
+    PickTracks();
+    if (m_video == nullptr) throw Error(ErrorKind::kNotAPackage, "There is no recording in " + path + ".", 0);
+    m_lengthMs = m_input->duration > 0 ? av_rescale(m_input->duration, 1000, AV_TIME_BASE) : 0;
+}
+
+void PackageInput::PickTracks() {
+    for (unsigned i = 0; i < m_input->nb_streams; ++i) {
+        AVStream* stream = m_input->streams[i];
+        const bool pictures = stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
+                              (stream->disposition & AV_DISPOSITION_ATTACHED_PIC) == 0;
+        if (pictures && m_video == nullptr) {
+            m_video = stream;
+        } else if (stream->codecpar->codec_type == AVMEDIA_TYPE_AUDIO && m_audio == nullptr) {
+            m_audio = stream;
+        } else {
+            m_hasCamera = m_hasCamera || pictures;
+            stream->discard = AVDISCARD_ALL;
+        }
+    }
+}
+
+bool PackageInput::IsKeyFrame(std::int64_t pos) const {
+    const std::int64_t wanted = av_rescale_q(pos, AVRational{1, 1000}, m_video->time_base);
+    const AVIndexEntry* entry = avformat_index_get_entry_from_timestamp(m_video, wanted, AVSEEK_FLAG_BACKWARD);
+    return entry != nullptr && (entry->flags & AVINDEX_KEYFRAME) != 0 &&
+           ToMs(entry->timestamp, m_video->time_base) == pos;
+}
+
+std::vector<ConvertEntry> PackageInput::Chapters() const {
+    std::vector<ConvertEntry> entries;
+    for (unsigned i = 0; i < m_input->nb_chapters; ++i) {
+        const AVChapter& chapter = *m_input->chapters[i];
+        const AVDictionaryEntry* title = av_dict_get(chapter.metadata, "title", nullptr, 0);
+        entries.push_back({ToMs(chapter.start, chapter.time_base), title != nullptr ? title->value : ""});
+    }
+    std::stable_sort(entries.begin(), entries.end(), [](const auto& a, const auto& b) { return a.pos < b.pos; });
+    return entries;
+}
+
+bool PackageInput::Read(AVPacket& packet) const {
+    while (true) {
+        av_packet_unref(&packet);
+        const int result = av_read_frame(m_input.get(), &packet);
+        if (result == AVERROR_EOF) return false;
+        CheckAv(result, "read the recording");
+        const bool wanted =
+            packet.stream_index == m_video->index || (m_audio != nullptr && packet.stream_index == m_audio->index);
+        if (wanted && packet.pts != AV_NOPTS_VALUE) return true;
+    }
+}
+
+}  // namespace kestrum::media

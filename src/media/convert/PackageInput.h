@@ -1,0 +1,45 @@
+// A package opened for conversion: its picture and sound tracks, length, key frames and chapters.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "media/convert/AvHandles.h"
+#include "media/convert/ConvertRequest.h"
+
+namespace kestrum::media {
+
+class PackageInput {
+  public:
+    /// Fails with media::Error if the file cannot be read or holds no picture track.
+    explicit PackageInput(const std::string& path);
+
+    /// The screen's track: the first with pictures.
+    AVStream& Video() const { return *m_video; }
+    /// The sound track, null if there is none.
+    AVStream* Audio() const { return m_audio; }
+    /// True if a second track with pictures is there: the webcam's.
+    bool HasCamera() const { return m_hasCamera; }
+    std::int64_t LengthMs() const { return m_lengthMs; }
+    /// True if a picture at exactly `pos` is a key frame by the file's own list.
+    bool IsKeyFrame(std::int64_t pos) const;
+    std::vector<ConvertEntry> Chapters() const;
+
+    /// The next packet of either track; false at the end. Packets of other tracks are passed over.
+    bool Read(AVPacket& packet) const;
+
+  private:
+    void PickTracks();
+
+    AvHandle<AVFormatContext> m_input;
+    AVStream* m_video = nullptr;
+    AVStream* m_audio = nullptr;
+    bool m_hasCamera = false;
+    std::int64_t m_lengthMs = 0;
+};
+
+/// `timestamp` in `timeBase` as ms, rounded to nearest.
+std::int64_t ToMs(std::int64_t timestamp, AVRational timeBase);
+
+}  // namespace kestrum::media
