@@ -22,9 +22,10 @@ DeviceList ParseDeviceText(StringView text);
 /// Lists the devices of `what`, "video" or "audio". False, and one empty record, if they cannot be asked for.
 bool QueryDevices(const devices::Context& c, DeviceList& list, StringView what);
 
-/// Chooses a camera and a microphone and hands them to the media library. A camcorder wins over any saved choice; the
-/// record's camera comes next, then (unless `quiet`) the first; `keepCurrent` leaves the camera alone. The records get
-/// the choice; they stay as they were if the library refuses, which a box tells (re-enters).
+/// Chooses a camera and a microphone and hands them to the media library. A camcorder wins over any saved choice and
+/// needs no microphone; the record's camera comes next, then (unless `quiet`) the first. With `keepCurrent` no camera
+/// but a camcorder is chosen. The records get the choice; they stay as they were if the library refuses, which a box
+/// tells (re-enters).
 void SelectDevices(const devices::Context& c, bool keepCurrent, bool quiet, DeviceRecord& video, DeviceRecord& audio,
                    const DeviceList& videoList, const DeviceList& audioList);
 

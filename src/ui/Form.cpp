@@ -97,7 +97,12 @@ bool Form::Unload(CloseReason reason) {
     if (!OnQueryUnload(reason)) return false;
     if (m_life != Life::Loaded) return true;  // OnQueryUnload re-entered and the form went meanwhile
     m_life = Life::Unloading;
-    OnUnload();
+    try {
+        OnUnload();
+    } catch (...) {
+        LeaveScreen();  // the form is gone whatever its handler met
+        throw;
+    }
     LeaveScreen();
     return true;
 }
