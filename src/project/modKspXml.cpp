@@ -41,7 +41,10 @@ std::string BreakLines(const std::string& xml) {
     char before = 0;
     for (const char byte : xml) {
         if (before == '>' && byte == '<') broken += "\r\n";
-        broken += byte;
+        if (byte == '\r')
+            broken += "&#13;";
+        else
+            broken += byte;
         before = byte;
     }
     return broken;

@@ -17,7 +17,8 @@ modXml::Node SelectXmlPath(const modXml::Document& document, StringView path);
 /// Text of the node at a dotted path, `fallback` if there is none.
 String GetXmlText(const modXml::Document& document, StringView path, StringView fallback);
 
-/// A line break (CR LF) between each ">" that is directly followed by "<": the only formatting that a file has.
+/// A line break (CR LF) between each ">" that is directly followed by "<": the only formatting that a file has. A CR
+/// inside a text (it separates the paragraphs of a title) becomes a reference; readers turn a plain one into LF.
 std::string BreakLines(const std::string& xml);
 
 /// Writes the document with BreakLines and without tabs and vertical tabs; `document` becomes what was written. Strict.

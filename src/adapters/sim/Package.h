@@ -24,7 +24,7 @@ struct Package {
     /// The content does not verify and cannot be recovered.
     bool damaged = false;
     std::int32_t ectState = 0;
-    std::int32_t formatVersion = 7 * 256;
+    std::int32_t formatVersion = 8 * 256;
     std::int32_t videoAttribute = 0;
     std::int32_t audioBitrate = 32;
     std::int32_t optimizeLevel = 0;
