@@ -221,14 +221,23 @@ bool DyingStorage::DiesNow() {
 
 void DyingStorage::WriteAt(std::uint64_t position, std::span<const std::uint8_t> data) {
     if (!DiesNow()) return m_inner->WriteAt(position, data);
-    m_inner->WriteAt(position,
-                     data.first(static_cast<std::size_t>(static_cast<double>(data.size()) * m_script->written)));
+    // A disk writes whole sectors: what is cut short ends at the border of one.
+    constexpr std::uint64_t kSector = 512;
+    const auto reached = position + static_cast<std::uint64_t>(static_cast<double>(data.size()) * m_script->written);
+    const std::uint64_t end = m_script->written >= 1 ? reached : std::max(position, reached / kSector * kSector);
+    m_inner->WriteAt(position, data.first(static_cast<std::size_t>(end - position)));
     throw Death();
 }
 
 void DyingStorage::Truncate(std::uint64_t size) {
     if (DiesNow()) throw Death();
     m_inner->Truncate(size);
+}
+
+std::unique_ptr<IStorage> OpenDying(const std::string& path, const std::shared_ptr<DyingStorage::Script>& script) {
+    auto file = FileStorage::Open(path, FileStorage::Access::kReadWrite);
+    file->LockExclusive();
+    return std::make_unique<DyingStorage>(std::move(file), script);
 }
 
 }  // namespace kestrum::media::test
