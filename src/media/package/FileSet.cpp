@@ -252,18 +252,22 @@ class Replacement {
     std::vector<ChapterMark> m_marks;
 };
 
-/// A Void between the media and the set that counts, big enough for another: sets take turns there.
+/// The Voids between the media and the set that counts, if they are big enough for another: sets take turns there.
 std::optional<TailRoom> HoleInTail(IStorage& storage, std::uint64_t bytes) {
     const PackageMap map = ReadMap(storage);
+    const std::uint64_t end = map.head.attachments;
     std::uint64_t position = map.cues ? map.cues->End() : map.mediaBegin;
-    while (position < map.head.attachments) {
-        const auto element = ReadElement(storage, position, map.head.attachments);
-        if (!element || element->unknownSize) break;
-        const bool enough = element->End() - position >= bytes + kLongVoidHeaderSize;
-        if (element->id == kVoid && enough && PaddingBefore(position) == 0) return TailRoom{position, element->End()};
+    std::optional<std::uint64_t> begin;
+    while (position < end) {
+        const auto element = ReadElement(storage, position, end);
+        if (!element || element->unknownSize || element->id != kVoid) return std::nullopt;
+        const bool usable = PaddingBefore(position) == 0 && element->data - position == kLongVoidHeaderSize;
+        if (!begin && usable) begin = position;
         position = element->End();
     }
-    return std::nullopt;
+    if (!begin || end - *begin < bytes + kLongVoidHeaderSize) return std::nullopt;
+    storage.WriteAt(*begin, LongVoidHeader(end - *begin));
+    return TailRoom{*begin, end};
 }
 
 TailRoom EndOfTail(IStorage& storage) {

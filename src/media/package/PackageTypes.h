@@ -66,6 +66,7 @@ struct RecoveryReport {
     int entriesWithoutMedia = 0;  ///< entries left out because nothing of them was recorded
     std::int64_t lengthMs = 0;    ///< length of the media that was kept
     std::int64_t bytesCut = 0;    ///< size of the torn piece cut off the end
+    bool mediaChanged = false;    ///< media had to be finished; otherwise only the index, or a left-over piece was cut
     bool indexPending = false;    ///< no project file was stored yet: the entries wait for one
 };
 

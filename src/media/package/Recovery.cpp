@@ -46,14 +46,13 @@ std::string AsText(const Bytes& bytes) {
     return {bytes.begin(), bytes.end()};
 }
 
-/// What becomes of project file and journal; nullopt if there is nothing to merge.
-std::optional<MergedProject> Merge(const StoredFiles& files, std::int64_t lengthMs) {
-    const auto project = files.find(kProjectFileName);
-    if (project == files.end()) return std::nullopt;
+/// What becomes of project file and journal; nullopt if the project file cannot be read.
+std::optional<MergedProject> Merge(const Bytes& projectFile, const StoredFiles& files, std::int64_t lengthMs) {
     const auto journal = files.find(kJournalName);
     const auto entries = journal == files.end() ? std::vector<JournalEntry>() : ParseJournal(AsText(*journal->second));
-    if (entries.empty()) return SetDuration(*project->second, lengthMs);
-    return ReplaceIndex(*project->second, entries, lengthMs);
+    // An empty journal says nothing; it must not empty the index.
+    if (entries.empty()) return SetDuration(projectFile, lengthMs);
+    return ReplaceIndex(projectFile, entries, lengthMs);
 }
 
 /// Closes a cluster that the recorder left open: size and check sum.
@@ -101,12 +100,14 @@ MediaScan ScanForRecovery(IStorage& storage, const PackageMap& map, std::uint64_
 std::int64_t RecoverMedia(IStorage& storage, const PackageMap& map, RecoveryReport& report) {
     KnownMedia known = ReadKnownMedia(storage, map);
     const MediaScan scan = ScanForRecovery(storage, map, known.unknownBegin);
+    report.mediaChanged = known.cues.empty() || scan.anyCluster;
     known.cues.insert(known.cues.end(), scan.cues.begin(), scan.cues.end());
     report.bytesCut = static_cast<std::int64_t>(map.fileSize - scan.goodEnd);
     for (const MediaScan::Gap& gap : scan.gaps) report.bytesCut += static_cast<std::int64_t>(gap.end - gap.begin);
 
     if (scan.goodEnd < map.fileSize) storage.Truncate(scan.goodEnd);
     for (const MediaScan::Gap& gap : scan.gaps) HideGap(storage, gap);
+    if (!report.mediaChanged) return known.lengthMs;
     for (const OpenCluster& cluster : scan.openClusters) SealCluster(storage, cluster);
     const std::int64_t length = std::max(known.lengthMs, scan.endMs);
     if (known.cues.empty()) {
@@ -143,11 +144,12 @@ void FinishIndex(IStorage& storage, std::int64_t lengthMs, RecoveryReport& repor
     const PackageMap map = ReadMap(storage);
     report.lengthMs = lengthMs;
     const bool hasJournal = map.Find(kJournalName) != nullptr;
-    report.indexPending = hasJournal && map.Find(kProjectFileName) == nullptr;
-    if (map.Find(kProjectFileName) == nullptr) return;
+    const AttachedFile* project = map.Find(kProjectFileName);
+    report.indexPending = hasJournal && project == nullptr;
+    if (project == nullptr || (!hasJournal && !report.mediaChanged)) return;
     const StoredFiles files = LoadAttachedFiles(storage, map);
     StoredFiles changes;
-    if (const auto merged = Merge(files, lengthMs)) {
+    if (const auto merged = Merge(*files.at(kProjectFileName), files, lengthMs)) {
         changes[kProjectFileName] = merged->projectFile;
         report.entries = merged->entries;
         report.entriesWithoutMedia = merged->entriesWithoutMedia;
@@ -167,14 +169,18 @@ std::optional<RecoveryReport> RecoverIfInterrupted(IStorage& storage) {
     RecoveryReport report;
     const std::int64_t length = map.tailWhole ? StoredLength(map) : RecoverMedia(storage, map, report);
     FinishIndex(storage, length, report);
+    // Cutting off what a change of the files left behind brings nothing back that anybody missed.
+    const bool nothingRecovered = !report.mediaChanged && map.Find(kJournalName) == nullptr;
+    if (nothingRecovered) return std::nullopt;
     return report;
 }
 
 MediaPreview PreviewMedia(IStorage& storage, const PackageMap& map) {
     KnownMedia known = ReadKnownMedia(storage, map);
-    MediaPreview preview{known.lengthMs, std::move(known.cues)};
+    MediaPreview preview{known.lengthMs, std::move(known.cues), false};
     if (map.tailWhole) return preview;
     const MediaScan scan = ScanMedia(storage, known.unknownBegin, AudioFrameMsOf(map), Damage::kStop);
+    preview.changed = preview.cues.empty() || scan.anyCluster;
     preview.lengthMs = std::max(preview.lengthMs, scan.endMs);
     preview.cues.insert(preview.cues.end(), scan.cues.begin(), scan.cues.end());
     return preview;
@@ -182,9 +188,10 @@ MediaPreview PreviewMedia(IStorage& storage, const PackageMap& map) {
 
 StoredFiles PreviewFiles(IStorage& storage, const PackageMap& map) {
     StoredFiles files = LoadAttachedFiles(storage, map);
-    if (map.IsInterrupted())
-        if (const auto merged = Merge(files, PreviewMedia(storage, map).lengthMs))
-            files[kProjectFileName] = merged->projectFile;
+    const MediaPreview media = PreviewMedia(storage, map);
+    const auto project = files.find(kProjectFileName);
+    if (project != files.end() && (media.changed || files.count(kJournalName) != 0))
+        if (const auto merged = Merge(*project->second, files, media.lengthMs)) project->second = merged->projectFile;
     files.erase(kJournalName);
     return files;
 }

@@ -18,6 +18,7 @@ std::optional<RecoveryReport> RecoverIfInterrupted(IStorage& storage);
 struct MediaPreview {
     std::int64_t lengthMs = 0;
     std::vector<CueEntry> cues;
+    bool changed = false;  ///< there is more than the head knows
 };
 MediaPreview PreviewMedia(IStorage& storage, const PackageMap& map);
 /// The files as a recovery would leave them: journal and length merged, the journal itself left out.
