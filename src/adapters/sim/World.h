@@ -13,7 +13,6 @@
 #include "adapters/sim/MessageBox.h"
 #include "adapters/sim/Monitors.h"
 #include "adapters/sim/Power.h"
-#include "adapters/sim/Presenter.h"
 #include "adapters/sim/Processes.h"
 #include "adapters/sim/RecSystemAudio.h"
 #include "adapters/sim/SettingsStore.h"
@@ -22,6 +21,7 @@
 #include "adapters/sim/Transcript.h"
 #include "adapters/sim/Windows.h"
 #include "host/Host.h"
+#include "ui/HeadlessPresenter.h"
 
 namespace kestrum::sim {
 
@@ -48,7 +48,7 @@ class World {
     SettingsStore settings{faults};
     Power power;
     MessageBox box{loop, transcript};
-    Presenter presenter{loop};
+    ui::HeadlessPresenter presenter{loop};
     KsLib ksLib{faults, transcript, loop, fs};
     KsOptimize ksOptimize{faults, transcript, loop, fs};
     KsHook ksHook{faults, transcript, windows};
