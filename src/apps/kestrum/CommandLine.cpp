@@ -26,7 +26,9 @@ class Words {
     std::size_t m_next = 0;
 };
 
-bool IsOption(const std::string& word) { return word.size() > 1 && word[0] == '-'; }
+bool IsOption(const std::string& word) {
+    return word.size() > 1 && word[0] == '-';
+}
 
 void TakeOperand(std::string& target, const std::string& word, const std::string& what) {
     if (!target.empty()) throw UsageError("Only one " + what + " can be given; \"" + word + "\" is one too many.");
@@ -71,7 +73,8 @@ RecordRequest ParseRecord(Words& words) {
 }
 
 PublishRequest ParsePublish(Words& words) {
-    if (words.AtEnd() || words.Take() != "mp4") throw UsageError("publish needs a format: kestrum publish mp4 PACKAGE.");
+    if (words.AtEnd() || words.Take() != "mp4")
+        throw UsageError("publish needs a format: kestrum publish mp4 PACKAGE.");
     PublishRequest request;
     while (!words.AtEnd()) {
         const std::string word = words.Take();

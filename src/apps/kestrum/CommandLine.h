@@ -13,7 +13,7 @@ namespace kestrum::app {
 /// `kestrum record DECK [--from N] [--advance SECONDS]`
 struct RecordRequest {
     std::string deck;
-    std::int32_t from = 1;              ///< slide number of the document, 1 or more
+    std::int32_t from = 1;                  ///< slide number of the document, 1 or more
     std::optional<std::int32_t> advanceMs;  ///< unattended: how long each slide stays, 100 ms to a day
 };
 

@@ -13,7 +13,9 @@ void Console::Result(const std::string& line) {
     std::cout << line << std::endl;
 }
 
-void Console::Notice(const String& text) { Result(host::ToUtf8(OneLine(text))); }
+void Console::Notice(const String& text) {
+    Result(host::ToUtf8(OneLine(text)));
+}
 
 void Console::Progress(const String& text) {
     if (text == m_lastProgress || text.empty()) return;

@@ -12,16 +12,30 @@ class Silence final : public host::ISubscription {};
 
 }  // namespace
 
-String NoOffice::Version() { return u"16.0"; }
-std::int32_t NoOffice::PresentationCount() { return 0; }
-std::unique_ptr<host::IPresentation> NoOffice::ActivePresentation() { FailWithoutPresentation(u"ActivePresentation"); }
-std::unique_ptr<host::ISlideRange> NoOffice::SelectedSlides() { FailWithoutPresentation(u"SelectedSlides"); }
-void NoOffice::ActivateWindow() { FailWithoutPresentation(u"ActivateWindow"); }
-std::int32_t NoOffice::SlideShowWindowCount() { return 0; }
+String NoOffice::Version() {
+    return u"16.0";
+}
+std::int32_t NoOffice::PresentationCount() {
+    return 0;
+}
+std::unique_ptr<host::IPresentation> NoOffice::ActivePresentation() {
+    FailWithoutPresentation(u"ActivePresentation");
+}
+std::unique_ptr<host::ISlideRange> NoOffice::SelectedSlides() {
+    FailWithoutPresentation(u"SelectedSlides");
+}
+void NoOffice::ActivateWindow() {
+    FailWithoutPresentation(u"ActivateWindow");
+}
+std::int32_t NoOffice::SlideShowWindowCount() {
+    return 0;
+}
 std::unique_ptr<host::ISlideShowWindow> NoOffice::SlideShowWindow(std::int32_t) {
     FailWithoutPresentation(u"SlideShowWindow");
 }
-void NoOffice::SetCommandBarVisible(const String&, bool) { FailWithoutPresentation(u"CommandBars"); }
+void NoOffice::SetCommandBarVisible(const String&, bool) {
+    FailWithoutPresentation(u"CommandBars");
+}
 std::unique_ptr<host::ISubscription> NoOffice::Subscribe(host::IApplicationEvents&) {
     return std::make_unique<Silence>();
 }

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <set>
 
+#include "apps/kestrum/Texts.h"
 #include "project/CTime.h"
 #include "support/Collection.h"
 #include "support/Dictionary.h"
-#include "support/modGlobal.h"
 #include "support/modXml.h"
 
 namespace kestrum::app {
@@ -25,7 +25,8 @@ class Scratch {
         do {
             m_path = Join(c, c.host.shell.Environment(u"temp"), u"_ksinfo_" + c.host.fs.TemporaryName());
         } while (c.host.fs.FolderExists(m_path) || c.host.fs.FileExists(m_path));
-        if (!modGlobal::MakeFolderTree(c, m_path)) Fail(u"The folder \"" + m_path + u"\" cannot be made.");
+        if (!modGlobal::MakeFolderTree(c, m_path))
+            Fail(Sentence(c, u"msgNoScratch", u"The folder \"%s1\" cannot be made.", {m_path}));
     }
     ~Scratch() { modGlobal::DeleteFolder(m_c, m_path); }
     Scratch(const Scratch&) = delete;
@@ -57,7 +58,7 @@ String TextAt(const modXml::Node& node, StringView path) {
 void ReadProject(const support::Context& c, const String& file, PackageDescription& description) {
     const modXml::Document document = modXml::Document::ParseBytes(c.host.fs.ReadFile(file));
     const modXml::Node project = document.Root().Child(u"project");
-    if (!project) Fail(u"The project file of the package cannot be read.");
+    if (!project) Fail(Sentence(c, u"msgNoProject", u"The package holds no project file that can be read."));
     description.title = TextAt(project, u"abstract/title");
     description.author = TextAt(project, u"abstract/author");
     const modXml::Node index = project.Child(u"index");
@@ -73,7 +74,9 @@ void ReadProject(const support::Context& c, const String& file, PackageDescripti
 }
 
 /// A number of any size in the writer's terms.
-Value NumberValue(std::int64_t number) { return static_cast<double>(number); }
+Value NumberValue(std::int64_t number) {
+    return static_cast<double>(number);
+}
 
 Value ToJson(const EntryDescription& entry) {
     auto object = std::make_shared<Dictionary>();
@@ -99,18 +102,22 @@ Value ListOf(const Items& items) {
     return list;
 }
 
-String NumberText(std::int64_t number) { return host::FromUtf8(std::to_string(number)); }
+String NumberText(std::int64_t number) {
+    return host::FromUtf8(std::to_string(number));
+}
 
 }  // namespace
 
 PackageDescription Describe(const support::Context& c, const String& path) {
-    if (!c.host.fs.FileExists(path)) Fail(u"There is no package \"" + path + u"\".");
-    if (c.host.ksLib.GetFileFormatVersion(path) == 0) Fail(u"\"" + path + u"\" is not a Kestrum package.");
+    if (!c.host.fs.FileExists(path)) Fail(Sentence(c, u"msgNoPackage", u"There is no package \"%s1\".", {path}));
+    if (c.host.ksLib.GetFileFormatVersion(path) == 0) {
+        Fail(Sentence(c, u"msgNotAPackage", u"\"%s1\" is not a Kestrum package.", {path}));
+    }
     const Scratch scratch(c);
-    const host::StoredFiles files{scratch.File(u"project.ksp"), scratch.File(u"cursor.gif"),
-                                  scratch.File(u"photo.gif"), scratch.File(u"inteIndex.txt")};
+    const host::StoredFiles files{scratch.File(u"project.ksp"), scratch.File(u"cursor.gif"), scratch.File(u"photo.gif"),
+                                  scratch.File(u"inteIndex.txt")};
     if (c.host.ksLib.GetExtendDataFromProject(path, files) < 0) {
-        Fail(u"The package \"" + path + u"\" holds no project file that can be read.");
+        Fail(Sentence(c, u"msgNoProject", u"The package holds no project file that can be read."));
     }
     PackageDescription description;
     description.durationMs = c.host.ksLib.GetLength(path);

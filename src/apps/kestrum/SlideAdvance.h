@@ -32,8 +32,8 @@ class SlideAdvance {
     host::ITrace& m_trace;
     const std::int32_t m_slideMs;
     std::int32_t m_start = 0;
-    std::int32_t m_slidesLeft = 0;   ///< how many slides have had their time
-    std::int32_t m_nextBuild = 0;    ///< when the next build comes in, ms after Begin
+    std::int32_t m_slidesLeft = 0;  ///< how many slides have had their time
+    std::int32_t m_nextBuild = 0;   ///< when the next build comes in, ms after Begin
     std::unique_ptr<host::ITimer> m_timer;
 };
 

@@ -1,0 +1,85 @@
+#include "apps/kestrum/Preflight.h"
+
+#include "apps/kestrum/Texts.h"
+
+namespace kestrum::app {
+namespace {
+
+constexpr std::int64_t kNeededMegabytes = 100;
+constexpr std::int32_t kPictureAttempts = 30;
+constexpr std::int32_t kAttemptMs = 100;
+
+/// A small window whose text makes its picture anything but uniform.
+class PictureProbe final : public ui::Form {
+  public:
+    explicit PictureProbe(const support::Context& c) : Form(c.forms, u"PictureProbe") {
+        m_text.SetCaption(Sentence(c, u"msgLooking", u"Kestrum is looking at the screen ..."));
+        SetLayout(ui::Column({m_text}));
+        SetStyle({.topmost = true, .borderless = true, .activates = false});
+        SetPlace({ui::StartPosition::Manual, kLeft, kTop, kWidth, kHeight});
+    }
+    static host::Rect Area() { return {kLeft, kTop, kLeft + kWidth, kTop + kHeight}; }
+
+  private:
+    static constexpr std::int32_t kLeft = 40, kTop = 40, kWidth = 400, kHeight = 80;
+    ui::Label m_text{*this, u"lText"};
+};
+
+std::optional<String> CheckPackage(const support::Context& c, const String& package) {
+    if (!c.host.fs.FileExists(package) || c.host.ksLib.GetFileFormatVersion(package) != 0) return std::nullopt;
+    return Sentence(c, u"msgForeignPackage",
+                    u"\"%s1\" is not a Kestrum package; move it elsewhere, the recording needs this name.", {package});
+}
+
+}  // namespace
+
+std::optional<String> CheckDeck(const support::Context& c, const String& deck) {
+    if (!c.host.fs.FileExists(deck)) return Sentence(c, u"msgNoDeck", u"There is no presentation \"%s1\".", {deck});
+    try {
+        c.host.fs.ReadFile(deck);
+    } catch (const host::Error& error) {
+        return Sentence(c, u"msgDeckUnreadable", u"The presentation \"%s1\" cannot be read: %s2",
+                        {deck, error.Description()});
+    }
+    const String folder = modGlobal::FolderOf(c, deck);
+    if (!modGlobal::TestFolderWritable(c, folder)) {
+        return Sentence(c, u"msgFolderReadOnly",
+                        u"The folder \"%s1\" cannot be written; copy the presentation to a folder of yours, the "
+                        u"recording is kept beside it.",
+                        {folder});
+    }
+    if (const std::int64_t free = modGlobal::GetFreeSpaceMB(c, folder); free < kNeededMegabytes) {
+        return Sentence(c, u"msgNoRoom",
+                        u"Only %s1 MB of space are free in \"%s2\"; a recording needs at least 100 MB. Delete or move "
+                        u"files there and try again.",
+                        {host::FromUtf8(std::to_string(free)), folder});
+    }
+    return CheckPackage(c, modGlobal::PackagePathOf(deck));
+}
+
+std::optional<String> CheckSound(const support::Context& c) {
+    String devices;
+    if (c.host.ksLib.ksQueryAudioDevice(devices) == 1 && !devices.empty()) return std::nullopt;
+    return Sentence(c, u"msgNoSound",
+                    u"There is no sound device to record from; connect a microphone and see that the sound server "
+                    u"runs.");
+}
+
+std::optional<String> CheckPicture(const support::Context& c) {
+    PictureProbe& probe = c.forms.Get<PictureProbe>(c);
+    probe.Show();
+    bool uniform = true;
+    for (std::int32_t attempt = 0; uniform && attempt < kPictureAttempts; ++attempt) {
+        c.host.loop.DoEvents();
+        c.host.loop.Sleep(kAttemptMs);
+        uniform = c.host.ksLib.IsPictureUniform(PictureProbe::Area());
+    }
+    probe.Unload();
+    c.host.loop.DoEvents();
+    if (!uniform) return std::nullopt;
+    return Sentence(c, u"msgBlackPicture",
+                    u"The screen arrives as one plain colour, so nothing of the slides would be recorded; log in to an "
+                    u"X11 session and try again.");
+}
+
+}  // namespace kestrum::app

@@ -1,0 +1,12 @@
+// `kestrum publish`: the publish dialog run by itself, without a screen, on the package of a deck or on a package.
+#pragma once
+
+#include "apps/kestrum/CommandLine.h"
+#include "apps/kestrum/Console.h"
+
+namespace kestrum::app {
+
+/// Publishes and prints "page: PATH"; the exit code. Throws host::Error with a sentence for the user.
+int RunPublish(Console& console, const PublishRequest& request);
+
+}  // namespace kestrum::app
