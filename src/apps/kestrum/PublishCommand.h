@@ -1,8 +1,8 @@
 // `kestrum publish`: the publish dialog run by itself, without a screen, on the package of a deck or on a package.
 #pragma once
 
-#include "apps/kestrum/CommandLine.h"
-#include "apps/kestrum/Console.h"
+#include "apps/commandline/CommandLine.h"
+#include "apps/commandline/Console.h"
 
 namespace kestrum::app {
 

@@ -1,8 +1,8 @@
 // `kestrum record`: a deck opened in Impress, its show recorded, with a person at the keyboard or unattended.
 #pragma once
 
-#include "apps/kestrum/CommandLine.h"
-#include "apps/kestrum/Console.h"
+#include "apps/commandline/CommandLine.h"
+#include "apps/commandline/Console.h"
 
 namespace kestrum::app {
 

@@ -1,9 +1,9 @@
-#include "apps/kestrum/PackageDescription.h"
+#include "apps/commandline/PackageDescription.h"
 
 #include <algorithm>
 #include <set>
 
-#include "apps/kestrum/Texts.h"
+#include "apps/commandline/Texts.h"
 #include "project/CTime.h"
 #include "support/Collection.h"
 #include "support/Dictionary.h"

@@ -1,6 +1,6 @@
-#include "apps/kestrum/Preflight.h"
+#include "apps/commandline/Preflight.h"
 
-#include "apps/kestrum/Texts.h"
+#include "apps/commandline/Texts.h"
 
 namespace kestrum::app {
 namespace {

@@ -1,4 +1,4 @@
-#include "apps/kestrum/Console.h"
+#include "apps/commandline/Console.h"
 
 #include <unistd.h>
 

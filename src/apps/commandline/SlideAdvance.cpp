@@ -1,4 +1,4 @@
-#include "apps/kestrum/SlideAdvance.h"
+#include "apps/commandline/SlideAdvance.h"
 
 #include <algorithm>
 

@@ -7,7 +7,7 @@
 #include <set>
 #include <vector>
 
-#include "apps/kestrum/Console.h"
+#include "apps/commandline/Console.h"
 #include "host/IEventLoop.h"
 #include "host/IFormPresenter.h"
 #include "host/IMessageBox.h"

@@ -1,8 +1,8 @@
 // `kestrum info`: what a package holds, without changing it and without opening a project.
 #pragma once
 
-#include "apps/kestrum/CommandLine.h"
-#include "apps/kestrum/Console.h"
+#include "apps/commandline/CommandLine.h"
+#include "apps/commandline/Console.h"
 #include "support/Context.h"
 
 namespace kestrum::app {

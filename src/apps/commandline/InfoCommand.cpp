@@ -1,6 +1,6 @@
-#include "apps/kestrum/InfoCommand.h"
+#include "apps/commandline/InfoCommand.h"
 
-#include "apps/kestrum/PackageDescription.h"
+#include "apps/commandline/PackageDescription.h"
 #include "support/JSON.h"
 
 namespace kestrum::app {

@@ -1,4 +1,6 @@
-#include "apps/kestrum/NoOffice.h"
+#include "apps/commandline/NoOffice.h"
+
+#include "host/Error.h"
 
 namespace kestrum::app {
 namespace {

@@ -1,4 +1,4 @@
-#include "apps/kestrum/CommandLine.h"
+#include "apps/commandline/CommandLine.h"
 
 #include <charconv>
 #include <cmath>

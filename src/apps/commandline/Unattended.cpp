@@ -1,4 +1,4 @@
-#include "apps/kestrum/Unattended.h"
+#include "apps/commandline/Unattended.h"
 
 namespace kestrum::app {
 namespace {

@@ -1,0 +1,58 @@
+#include "apps/commandline/CommandLine.h"
+
+#include <gtest/gtest.h>
+
+namespace kestrum::app {
+namespace {
+
+std::string UsageErrorOf(const std::vector<std::string>& arguments) {
+    try {
+        ParseCommandLine(arguments);
+    } catch (const UsageError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+TEST(CommandLine, Record_TakesDeckStartAndAdvanceInAnyOrder) {
+    const Request request = ParseCommandLine({"record", "--advance", "2.5", "my deck.pptx", "--from", "3"});
+    const RecordRequest record = std::get<RecordRequest>(request);
+    EXPECT_EQ(record.deck, "my deck.pptx");
+    EXPECT_EQ(record.from, 3);
+    EXPECT_EQ(record.advanceMs, 2500);
+}
+
+TEST(CommandLine, Record_WithoutAdvance_WaitsForAPerson) {
+    const RecordRequest record = std::get<RecordRequest>(ParseCommandLine({"record", "a.pptx"}));
+    EXPECT_FALSE(record.advanceMs.has_value());
+    EXPECT_EQ(record.from, 1);
+}
+
+TEST(CommandLine, Record_RefusesNumbersThatAreNone) {
+    EXPECT_NE(UsageErrorOf({"record", "a.pptx", "--from", "0"}).find("--from"), std::string::npos);
+    EXPECT_NE(UsageErrorOf({"record", "a.pptx", "--from", "2x"}).find("2x"), std::string::npos);
+    EXPECT_NE(UsageErrorOf({"record", "a.pptx", "--advance", "0"}).find("--advance"), std::string::npos);
+    EXPECT_NE(UsageErrorOf({"record", "a.pptx", "--advance", "nan"}).find("nan"), std::string::npos);
+    EXPECT_NE(UsageErrorOf({"record", "a.pptx", "--advance"}).find("needs a value"), std::string::npos);
+}
+
+TEST(CommandLine, UnknownWords_AreNamedInTheSentence) {
+    EXPECT_NE(UsageErrorOf({"rekord"}).find("rekord"), std::string::npos);
+    EXPECT_NE(UsageErrorOf({"info", "a.ktr", "--xml"}).find("--xml"), std::string::npos);
+    EXPECT_NE(UsageErrorOf({"publish", "avi", "a.ktr"}).find("publish mp4"), std::string::npos);
+    EXPECT_NE(UsageErrorOf({"record", "a.pptx", "b.pptx"}).find("b.pptx"), std::string::npos);
+    EXPECT_NE(UsageErrorOf({"record"}).find("DECK"), std::string::npos);
+}
+
+TEST(CommandLine, Info_TakesJson) {
+    const InfoRequest info = std::get<InfoRequest>(ParseCommandLine({"info", "--json", "a.ktr"}));
+    EXPECT_TRUE(info.json);
+    EXPECT_EQ(info.package, "a.ktr");
+}
+
+TEST(CommandLine, NoWords_ShowTheHelp) {
+    EXPECT_TRUE(std::holds_alternative<HelpRequest>(ParseCommandLine({})));
+}
+
+}  // namespace
+}  // namespace kestrum::app
