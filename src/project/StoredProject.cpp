@@ -31,6 +31,15 @@ void PreferUnsavedCopy(const support::Context& c) {
     });
 }
 
+/// Only a whole copy ever bears the name.
+void KeepUnsavedCopy(const support::Context& c, const String& projectFile) {
+    const String copy = UnsavedCopy(c);
+    if (modGlobal::SafeCopyFile(c, projectFile, copy + u".tmp"))
+        modGlobal::SafeMoveFile(c, copy + u".tmp", copy, true);
+    else
+        modGlobal::SafeDeleteFile(c, copy + u".tmp");
+}
+
 /// Where the latest project file lies: a save that was interrupted between deleting and renaming leaves the ".tmp".
 String ProjectFileToStore(const support::Context& c) {
     const String file = InWorkFolder(c, u"project.ksp");
@@ -41,6 +50,10 @@ String ProjectFileToStore(const support::Context& c) {
 String CursorToStore(const support::Context& c) {
     const String cursor = PlayerCursor(c);
     return c.host.fs.FileExists(cursor) ? cursor : InWorkFolder(c, u"cursor.gif");
+}
+
+bool Fetch(const support::Context& c, const host::StoredFiles& targets) {
+    return c.host.ksLib.GetExtendDataFromProject(NarrowPackage(c), NarrowPaths(c, targets)) != -1;
 }
 
 bool Store(const support::Context& c, const host::StoredFiles& files) {
@@ -56,7 +69,9 @@ bool HoldsMedia(const support::Context& c) {
 bool Unpack(const support::Context& c) {
     const host::StoredFiles targets{InWorkFolder(c, u"project.ksp"), InWorkFolder(c, u"cursor.gif"),
                                     InWorkFolder(c, u"photo.gif"), InWorkFolder(c, u"inteIndex.txt")};
-    if (c.host.ksLib.GetExtendDataFromProject(NarrowPackage(c), NarrowPaths(c, targets)) == -1) return false;
+    // A second attempt finds a new worker if the first one died. A package that could not be read for a moment must not
+    // look like one without files: an older snapshot would take their place.
+    if (!Fetch(c, targets) && !Fetch(c, targets)) return false;
     PreferUnsavedCopy(c);
     return true;
 }
@@ -65,13 +80,12 @@ void Pack(const Context& c) {
     const host::StoredFiles files{ProjectFileToStore(c), CursorToStore(c), PhotoFile(c),
                                   InWorkFolder(c, u"inteIndex.txt")};
     if (!c.host.fs.FileExists(files.projectFile)) return;
-    // A second attempt finds a new worker if the first one died.
     if (Store(c, files) || Store(c, files)) {
         modGlobal::SafeDeleteFile(c, UnsavedCopy(c));
         return;
     }
     c.host.trace.Note(u"The project could not be stored in " + c.support.packagePath);
-    modGlobal::SafeCopyFile(c, files.projectFile, UnsavedCopy(c));
+    KeepUnsavedCopy(c, files.projectFile);
 }
 
 String VersionOf(const support::Context& c, const String& file) {

@@ -70,6 +70,14 @@ struct ProjectWorld {
         return titles;
     }
 
+    /// What went wrong and what the user was told, for a failing sweep.
+    std::string Story() const {
+        std::string story;
+        for (const String& call : world.faults.Injected()) story += "failed: " + host::ToUtf8(call) + "\n";
+        for (const String& text : Boxes()) story += "told: " + host::ToUtf8(text) + "\n";
+        return story;
+    }
+
     /// Writes project.ksp into the scratch folder and loads it.
     bool Load(const std::string& text) {
         world.fs.Put(kProjectFile, text);
