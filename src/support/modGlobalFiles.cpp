@@ -1,5 +1,7 @@
 // Path and file routines of modGlobal.
 
+#include <algorithm>
+
 #include "host/ResumeNext.h"
 #include "support/modGlobal.h"
 #include "support/modLanguage.h"
@@ -37,7 +39,10 @@ String CollapseSeparators(const support::Context& c, StringView path) {
 
 String Join(const support::Context& c, StringView folder, StringView name) {
     if (folder.empty()) return String(name);
-    return CollapseSeparators(c, String(folder) + c.host.fs.Separator() + String(name));
+    const char16_t separator = c.host.fs.Separator();
+    String path(folder);
+    if (path.back() != separator) path += separator;  // the root must not turn into a network path
+    return CollapseSeparators(c, path + String(name.substr(std::min(name.find_first_not_of(separator), name.size()))));
 }
 
 String FileNameOf(const support::Context& c, StringView path) {
