@@ -1,0 +1,24 @@
+#include "recording/MaskForm.h"
+
+namespace kestrum {
+
+MaskForm::MaskForm(const recording::Context& c, String name) : Form(c.forms, std::move(name)) {
+    constexpr std::int32_t kOpacity = 150;
+    SetStyle({.topmost = true,
+              .borderless = true,
+              .layered = true,
+              .opacity = kOpacity,
+              .excludedFromCapture = true,
+              .closable = false,
+              .activates = false});
+}
+
+void MaskForm::Cover(const host::Rect& area) {
+    Load();
+    std::int32_t width = area.right - area.left, height = area.bottom - area.top;
+    if (width <= 0 || height <= 0) return;
+    SetBounds(area.left, area.top, width, height);
+    Show();
+}
+
+}  // namespace kestrum
