@@ -74,7 +74,7 @@ std::optional<Size> MediaFrameSize(const recording::Context& c) {
     const String& package = c.support.packagePath;
     if (!c.host.fs.FileExists(package) || c.host.ksLib.IsEmptyProject(package) != 0) return std::nullopt;
     host::ResumeNext Try(c.host.trace);
-    Try([&] { modMediaKs::IsKeyFramePos(c, 0, true, package); });  // reads the list of key frames
+    Try([&] { modMediaKs::LastKeyFramePos(c); });  // the list of key frames is read anew
     Size size;
     c.host.ksLib.GetKeyframeDim(package, size.width, size.height);
     if (size.width == kOldWidth) size.width = kCountsAs;

@@ -51,7 +51,7 @@ bool SelectDevices(const recording::Context& c) {
         return false;
     }
     if (devices == modDevice::kAudioOnly && !project.videoSize.empty() &&
-        c.host.fs.FileExists(c.support.projectFileName)) {
+        c.host.fs.FileExists(modGlobal::Join(c, c.support.workFolder, c.support.projectFileName))) {
         project.videoSize.clear();
         project.videoBitrate = u"96";
         modProject::SaveProject(c);

@@ -55,6 +55,9 @@ class World {
     RecSystemAudio recSystemAudio{transcript};
     Trace trace;
 
+    /// What the program does when the user clicks one of its commands ("rec", "mnuMP4" ...); the test connects it.
+    std::function<void(const String& id)> onCommand;
+
     static constexpr char16_t kInstallFolder[] = u"/opt/kestrum";
     static constexpr char16_t kHome[] = u"/home/anna";
 

@@ -1,0 +1,38 @@
+// One session of the program: the sum of all states, the forms, the contexts, and the entry object. An executable makes
+// one on its ports; a test makes one on the scripted world. Nothing happens before the connection.
+#pragma once
+
+#include "addin/Context.h"
+#include "addin/dsrImagePowerPoint.h"
+
+namespace kestrum {
+
+class Session {
+  public:
+    /// `host` and its ports outlive the session; so does `surface`, which may be null.
+    explicit Session(host::Host& host, addin::ICommandSurface* surface = nullptr);
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// Connects to the host's application, as the host does when it loads the add-in.
+    void Connect() { addIn.IDTExtensibility2_OnConnection(c.host.app); }
+    void Disconnect() { addIn.IDTExtensibility2_OnDisconnection(); }
+
+    support::State support;
+    project::State project;
+    devices::State devices;
+    display::State display;
+    recording::State recording;
+    publish::State publish;
+    addin::State addin;
+
+  private:
+    ui::Forms m_forms;  // goes before the states that its forms look at
+
+  public:
+    /// What every routine is given.
+    addin::Context c;
+    dsrImagePowerPoint addIn;
+};
+
+}  // namespace kestrum

@@ -1,0 +1,85 @@
+// The guard sequence in front of the commands, and the commands themselves.
+#include <algorithm>
+
+#include "addin/dsrImagePowerPoint.h"
+#include "project/modProject.h"
+#include "publish/frmExportMp4.h"
+#include "recording/modCapture.h"
+#include "support/modGlobal.h"
+#include "support/modLanguage.h"
+#include "support/modMsgBox.h"
+
+namespace kestrum {
+
+namespace {
+
+/// What holds for the time of a command: it is busy, and its work folder is gone afterwards.
+class CommandScope {
+  public:
+    CommandScope(const addin::Context& c, bool& busy) : m_c(c), m_busy(busy) { m_busy = true; }
+    ~CommandScope() {
+        if (!m_c.support.workFolder.empty()) modProject::DeleteWorkFolder(m_c);
+        m_busy = false;
+    }
+    CommandScope(const CommandScope&) = delete;
+    CommandScope& operator=(const CommandScope&) = delete;
+
+  private:
+    const addin::Context& m_c;
+    bool& m_busy;
+};
+
+}  // namespace
+
+void dsrImagePowerPoint::RunGuarded(const String& question, const std::function<void()>& work) {
+    if (CommandBusy) return;
+    CommandScope scope(m_c, CommandBusy);
+    try {
+        if (OpenForCommand(question)) work();
+    } catch (const host::Error& error) {
+        modMsgBox::MsgBox(m_c, error.Description());
+    }
+}
+
+bool dsrImagePowerPoint::OpenForCommand(const String& question) {
+    if (!modProject::LocateProject(m_c)) return false;
+    const String& package = m_c.support.packagePath;
+    if (!m_c.host.fs.FileExists(package) || m_c.host.ksLib.IsEmptyProject(package) != 0) {
+        if (!m_c.support.workFolder.empty()) modProject::DeleteWorkFolder(m_c);
+        modMsgBox::MsgBox(m_c, modLanguage::GetResString(m_c, u"frmPPT", u"msgNoMedia",
+                                                         u"Nothing has been recorded for this presentation yet!"));
+        return false;
+    }
+    bool continued = false;
+    if (!modProject::OpenProject(m_c, false, continued)) return false;
+    return !continued || modMsgBox::MsgBox(m_c, question, host::BoxButtons::OkCancel, u"") == host::BoxAnswer::Ok;
+}
+
+void dsrImagePowerPoint::PublishToMp4() {
+    RunGuarded(u"Continue publishing to MP4 format?", [this] {
+        if (Mp4IsTooBig()) {
+            modMsgBox::MsgBox(m_c,
+                              modLanguage::GetResString(m_c, u"frmExportMp4", u"msgMp4TooBig",
+                                                        u"The recording is too long for an MP4 file of this size!"));
+            return;
+        }
+        m_c.forms.Get<frmExportMp4>(m_c).ShowModal();
+    });
+}
+
+// Rates in kbit/s, each to the nearest whole. The output is never taken for more than five times the source's rate.
+bool dsrImagePowerPoint::Mp4IsTooBig() {
+    constexpr double kBitsPerByte = 8, kKilobitsPerPixel = 0.00153;
+    constexpr std::int32_t kMostTimesSource = 5;
+    const String& package = m_c.support.packagePath;
+    std::int32_t length = m_c.host.ksLib.GetLength(package), width = 0, height = 0;
+    m_c.host.ksLib.GetFileHeaderDim(package, width, height);
+    auto size = static_cast<double>(m_c.host.fs.FileSize(package));
+    std::int32_t limit = ToInt32(Div(static_cast<double>(modCapture::kLargestPackage), length) * kBitsPerByte);
+    std::int32_t estimate = ToInt32(width * kKilobitsPerPixel * height);
+    std::int32_t rate = ToInt32(Div(size, length) * kBitsPerByte);
+    std::int32_t most = ToInt32(std::int64_t{kMostTimesSource} * rate);
+    return std::min(estimate, most) > limit;
+}
+
+}  // namespace kestrum
