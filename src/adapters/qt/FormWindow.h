@@ -1,0 +1,62 @@
+// The window of one form on screen. It follows the model's values when told to, and posts the user's acts to the form
+// as tasks of the loop; while acts are under way the controls that the user works on are not overwritten.
+#pragma once
+
+#include <QWidget>
+#include <memory>
+#include <vector>
+
+#include "adapters/qt/LayoutBuilder.h"
+#include "adapters/qt/QtEventLoop.h"
+
+class QMenu;
+
+namespace kestrum::qt {
+
+class FormWindow : public QWidget {
+  public:
+    FormWindow(ui::Form& form, QtEventLoop& loop);
+    ~FormWindow() override;
+
+    /// Puts the window on screen, or to the front if it is there. A modal one blocks all other windows of ours.
+    void Appear(bool modal);
+    /// Follows the model soon.
+    void SyncLater();
+    /// Follows the model now.
+    void Sync();
+    /// Follows the model and paints before it returns, without handling an act of the user or a task of the core.
+    void PaintNow();
+    /// Stays above whatever other programs open; see QtPresenter.
+    bool IsPinned() const { return m_pinned; }
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+  private:
+    void Post(Act act);
+    void BuildMenu(QLayout& root);
+    void SyncMenu();
+    void SyncStyle();
+    void SyncSize();
+    void SyncPlace();
+    void SyncFocus();
+    void FocusMoved(QWidget* now);
+    ControlView* ViewOf(const QObject* widget) const;
+    ControlView* ViewOf(const ui::Control* control) const;
+
+    ui::Form& m_form;
+    QtEventLoop& m_loop;
+    std::shared_ptr<int> m_alive = std::make_shared<int>(0);
+    LayoutBuilder::Views m_views;
+    QMenu* m_menu = nullptr;
+    ui::WindowPlace m_place;
+    bool m_placed = false;
+    bool m_pinned = false;
+    bool m_syncPosted = false;
+    int m_pendingActs = 0;
+};
+
+}  // namespace kestrum::qt

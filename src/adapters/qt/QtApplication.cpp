@@ -1,0 +1,78 @@
+#include "adapters/qt/QtApplication.h"
+
+#include <xcb/xcb.h>
+
+#include <QEvent>
+#include <QPlatformSurfaceEvent>
+#include <QWidget>
+#include <QWindow>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+
+#include "adapters/qt/Look.h"
+
+namespace kestrum::qt {
+namespace {
+
+/// Must be in place before Qt looks at the display.
+int& PrepareEnvironment(int& argc) {
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
+    for (const char* scale : {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS", "QT_AUTO_SCREEN_SCALE_FACTOR"}) {
+        qunsetenv(scale);
+    }
+    return argc;
+}
+
+xcb_connection_t* Connection() {
+    const auto* x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
+    return x11 ? x11->connection() : nullptr;
+}
+
+xcb_atom_t OwnWindowAtom(xcb_connection_t* connection) {
+    const auto cookie =
+        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(kOwnWindowProperty)), kOwnWindowProperty);
+    xcb_intern_atom_reply_t* reply = xcb_intern_atom_reply(connection, cookie, nullptr);
+    const xcb_atom_t atom = reply ? reply->atom : static_cast<xcb_atom_t>(XCB_ATOM_NONE);
+    std::free(reply);
+    return atom;
+}
+
+void Mark(WId window, bool excludedFromCapture) {
+    xcb_connection_t* connection = Connection();
+    if (!connection) return;
+    const xcb_atom_t atom = OwnWindowAtom(connection);
+    const std::uint32_t value = excludedFromCapture ? 1 : 0;
+    xcb_change_property(connection, XCB_PROP_MODE_REPLACE, static_cast<xcb_window_t>(window), atom, XCB_ATOM_CARDINAL,
+                        32, 1, &value);
+    xcb_flush(connection);
+}
+
+/// Marks menus, lists and hints too, as they get their native windows.
+class Marker : public QObject {
+  public:
+    using QObject::QObject;
+    bool eventFilter(QObject* object, QEvent* event) override {
+        auto* window = qobject_cast<QWindow*>(object);
+        if (window && event->type() == QEvent::PlatformSurface && !window->parent()) {
+            const auto type = static_cast<QPlatformSurfaceEvent*>(event)->surfaceEventType();
+            if (type == QPlatformSurfaceEvent::SurfaceCreated) Mark(window->winId(), false);
+        }
+        return QObject::eventFilter(object, event);
+    }
+};
+
+}  // namespace
+
+QtApplication::QtApplication(int& argc, char** argv) : m_application(PrepareEnvironment(argc), argv) {
+    QApplication::setQuitOnLastWindowClosed(false);
+    ApplyLook(m_application);
+    m_application.installEventFilter(new Marker(&m_application));
+}
+
+void MarkOwnWindow(const QWidget& widget, bool excludedFromCapture) {
+    Mark(widget.winId(), excludedFromCapture);
+}
+
+}  // namespace kestrum::qt

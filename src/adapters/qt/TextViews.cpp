@@ -1,0 +1,153 @@
+#include "adapters/qt/TextViews.h"
+
+#include <QFontMetrics>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QPixmap>
+#include <algorithm>
+
+#include "adapters/qt/QtText.h"
+
+namespace kestrum::qt {
+namespace {
+
+Qt::Alignment ToQtAlignment(ui::Alignment alignment) {
+    switch (alignment) {
+        case ui::Alignment::Centre:
+            return Qt::AlignHCenter | Qt::AlignVCenter;
+        case ui::Alignment::Right:
+            return Qt::AlignRight | Qt::AlignVCenter;
+        case ui::Alignment::Left:
+            break;
+    }
+    return Qt::AlignLeft | Qt::AlignVCenter;
+}
+
+/// Paths and addresses have no blanks: they may be broken after their separators.
+QString Breakable(QString text) {
+    return text.replace(u'/', QStringLiteral("/\u200B"));
+}
+
+QString WithPlainLineEnds(QString text) {
+    return text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+}
+
+/// Sets the size that `text` needs: its own width, or `textWidth` and as many lines as it takes.
+void FitText(QLabel& label, const QString& text, int textWidth) {
+    const int own = label.fontMetrics().size(0, text).width();
+    const bool wraps = own > textWidth;
+    label.setWordWrap(wraps);
+    label.setMinimumSize(0, 0);
+    label.setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+    if (!wraps) return;
+    label.setFixedWidth(textWidth);
+    label.setFixedHeight(label.heightForWidth(textWidth));
+}
+
+class LabelView : public ControlView {
+  public:
+    LabelView(ui::Label& control, QLabel* widget) : ControlView(control, widget), m_model(control), m_view(*widget) {
+        m_view.setTextFormat(Qt::PlainText);
+    }
+
+  protected:
+    void SyncValues(int textWidth) override {
+        const QString text = WithPlainLineEnds(ToQt(m_model.Caption()));
+        m_view.setAlignment(ToQtAlignment(m_model.TextAlignment()));
+        m_view.setText(m_view.fontMetrics().size(0, text).width() > textWidth ? Breakable(text) : text);
+        FitText(m_view, text, textWidth);
+    }
+
+  private:
+    ui::Label& m_model;
+    QLabel& m_view;
+};
+
+/// Reached with the Tab key, followed with Enter or a click.
+class LinkView : public ControlView {
+  public:
+    LinkView(ui::Link& control, QLabel* widget, const PostAct& post)
+        : ControlView(control, widget), m_model(control), m_view(*widget) {
+        m_view.setTextFormat(Qt::RichText);
+        m_view.setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+        m_view.setFocusPolicy(Qt::StrongFocus);
+        QObject::connect(&m_view, &QLabel::linkActivated, &m_view,
+                         [&control, post] { post([&control](ui::Form& form) { form.Click(control); }); });
+    }
+
+  protected:
+    void SyncValues(int textWidth) override {
+        const QString text = ToQt(m_model.Caption());
+        const QString look = m_model.Hot() ? QStringLiteral("underline") : QStringLiteral("none");
+        m_view.setText(QStringLiteral("<a href=\"#\" style=\"text-decoration:%1\">%2</a>")
+                           .arg(look, Breakable(text).toHtmlEscaped()));
+        FitText(m_view, text, textWidth);
+    }
+
+  private:
+    ui::Link& m_model;
+    QLabel& m_view;
+};
+
+class PictureLabel : public QLabel {
+  public:
+    PictureLabel(ui::Picture& control, QWidget* parent, PostAct post)
+        : QLabel(parent), m_control(control), m_post(std::move(post)) {
+        setAlignment(Qt::AlignCenter);
+    }
+
+  protected:
+    void mouseReleaseEvent(QMouseEvent* event) override {
+        if (event->button() != Qt::LeftButton || !rect().contains(event->position().toPoint())) return;
+        m_post([&control = m_control](ui::Form& form) { form.Click(control); });
+    }
+
+  private:
+    ui::Picture& m_control;
+    PostAct m_post;
+};
+
+class PictureView : public ControlView {
+  public:
+    PictureView(ui::Picture& control, QLabel* widget)
+        : ControlView(control, widget), m_model(control), m_view(*widget) {}
+
+  protected:
+    void SyncValues(int) override {
+        const QSize size(m_model.Width(), m_model.Height());
+        if (m_model.File() != m_file) {
+            m_file = m_model.File();
+            m_picture = QPixmap(ToQt(m_file));
+        }
+        if (size.isEmpty()) {
+            m_view.setPixmap(m_picture);
+        } else {
+            m_view.setFixedSize(size);
+            if (!m_picture.isNull()) {
+                m_view.setPixmap(m_picture.scaled(size, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+            }
+        }
+    }
+
+  private:
+    ui::Picture& m_model;
+    QLabel& m_view;
+    String m_file;
+    QPixmap m_picture;
+};
+
+}  // namespace
+
+std::unique_ptr<ControlView> MakeLabelView(ui::Label& control, QWidget* parent) {
+    return std::make_unique<LabelView>(control, new QLabel(parent));
+}
+
+std::unique_ptr<ControlView> MakeLinkView(ui::Link& control, QWidget* parent, const PostAct& post) {
+    return std::make_unique<LinkView>(control, new QLabel(parent), post);
+}
+
+std::unique_ptr<ControlView> MakePictureView(ui::Picture& control, QWidget* parent, const PostAct& post) {
+    return std::make_unique<PictureView>(control, new PictureLabel(control, parent, post));
+}
+
+}  // namespace kestrum::qt
