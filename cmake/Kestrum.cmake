@@ -10,9 +10,16 @@ set(KESTRUM_INSTALL_FOLDER "${PROJECT_BINARY_DIR}/install")
 
 set(KESTRUM_WARNINGS -Wall -Wextra -Werror -Wpedantic -Wshadow -Wnon-virtual-dtor)
 
-# kestrum_library(NAME libs...): every .cpp below the current folder becomes part of the static library NAME.
+# kestrum_library(NAME libs...): every .cpp below the current folder becomes part of the static library NAME, but for
+# folders with a CMakeLists.txt of their own, which are libraries of their own.
 function(kestrum_library name)
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/*.h")
+  file(GLOB_RECURSE inner "${CMAKE_CURRENT_SOURCE_DIR}/CMakeLists.txt")
+  list(REMOVE_ITEM inner "${CMAKE_CURRENT_SOURCE_DIR}/CMakeLists.txt")
+  foreach(file IN LISTS inner)
+    cmake_path(GET file PARENT_PATH folder)
+    list(FILTER sources EXCLUDE REGEX "^${folder}/")
+  endforeach()
   if(NOT sources MATCHES "\\.cpp")
     add_library(${name} INTERFACE) # a room whose first file is still to come
     target_include_directories(${name} INTERFACE "${PROJECT_SOURCE_DIR}/src")

@@ -126,7 +126,8 @@ class ChildProcess {
 };
 
 /// Runs a program to its end and returns its output.
-inline Outcome Run(const std::vector<std::string>& command, std::vector<std::pair<std::string, std::string>> env = {}) {
+inline Outcome RunProgram(const std::vector<std::string>& command,
+                          std::vector<std::pair<std::string, std::string>> env = {}) {
     ChildProcess::Options options;
     options.env = std::move(env);
     options.captureOutput = true;

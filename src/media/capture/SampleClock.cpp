@@ -12,12 +12,18 @@ namespace {
 // are never thrown away for it: the drift takes care of them.
 constexpr double kGapSeconds = 0.25;
 constexpr int kGapBlocks = 3;
-// Sound and picture may be apart by this much before the sample rate is bent.
+// Sound and picture may be apart by this much before the sample rate is bent, and by the second before it is bent
+// harder; a lack as large as the second that stays the same for a second is filled with silence at once. It comes from
+// servers that tell a wrong latency while a source starts.
 constexpr double kDriftSeconds = 0.010;
-// Weight of a new block in the smoothed error: with 20 ms blocks it follows within about two seconds.
-constexpr double kSmoothing = 0.01;
-// At most one frame in this many is added or left out (0.1 %), which nobody hears.
+constexpr double kDisplacedSeconds = 0.030;
+constexpr double kSteadySeconds = 0.010;
+// Weight of a new block in the smoothed error: with 20 ms blocks it follows within about a second.
+constexpr double kSmoothing = 0.02;
+// Frames added or left out in so many: 0.1 % is never heard, 1 % hardly.
 constexpr std::size_t kFramesPerCorrection = 1000;
+constexpr int kGentleCorrection = 1;
+constexpr int kHardCorrection = 10;
 
 }  // namespace
 
@@ -56,14 +62,32 @@ void SampleClock::FillTo(std::int64_t ns) {
     AppendSilence(FrameAt(ns) - m_produced);
 }
 
+bool SampleClock::IsSteady(std::int64_t errorFrames, std::size_t frames) {
+    const bool isNear = std::abs(static_cast<double>(errorFrames) - m_drift) < kSteadySeconds * m_rate;
+    m_steadyFrames = isNear ? m_steadyFrames + frames : 0;
+    return m_steadyFrames >= static_cast<std::size_t>(m_rate);
+}
+
+int SampleClock::Correction(std::size_t frames) {
+    m_sinceCorrection += frames;
+    const double apart = std::abs(m_drift);
+    if (m_sinceCorrection < kFramesPerCorrection || frames < 4U * kHardCorrection) return 0;
+    if (apart <= kDriftSeconds * m_rate) return 0;
+    m_sinceCorrection = 0;
+    const int strength = apart > kDisplacedSeconds * m_rate ? kHardCorrection : kGentleCorrection;
+    return m_drift > 0 ? strength : -strength;
+}
+
 void SampleClock::FollowDrift(std::int64_t errorFrames, std::span<const float> samples) {
     m_drift += (static_cast<double>(errorFrames) - m_drift) * kSmoothing;
     const std::size_t frames = samples.size() / static_cast<std::size_t>(m_channels);
-    m_sinceCorrection += frames;
-    const bool isDue = m_sinceCorrection >= kFramesPerCorrection && frames > 2;
-    if (isDue && std::abs(m_drift) > kDriftSeconds * m_rate) {
-        m_sinceCorrection = 0;
-        AppendStretched(samples, m_drift > 0 ? 1 : -1);
+    if (IsSteady(errorFrames, frames) && m_drift > kDisplacedSeconds * m_rate) {
+        AppendSilence(std::llround(m_drift));
+        m_drift = 0;
+        m_steadyFrames = 0;
+    }
+    if (const int correction = Correction(frames)) {
+        AppendStretched(samples, correction);
     } else {
         Append(samples);
     }
@@ -83,7 +107,7 @@ void SampleClock::Append(std::span<const float> samples) {
 void SampleClock::AppendStretched(std::span<const float> samples, int change) {
     const auto channels = static_cast<std::size_t>(m_channels);
     const std::size_t frames = samples.size() / channels;
-    const std::size_t wanted = change > 0 ? frames + 1 : frames - 1;
+    const std::size_t wanted = static_cast<std::size_t>(static_cast<std::int64_t>(frames) + change);
     const double step = static_cast<double>(frames - 1) / static_cast<double>(wanted - 1);
     for (std::size_t i = 0; i < wanted; ++i) {
         const double at = static_cast<double>(i) * step;

@@ -35,9 +35,12 @@ class SampleClock {
     bool IsGap(std::int64_t errorFrames);
     void AppendSilence(std::int64_t frames);
     void Append(std::span<const float> samples);
-    /// The block with one frame more or less, spread over its whole length.
+    /// The block with so many frames more or less, spread over its whole length.
     void AppendStretched(std::span<const float> samples, int change);
     void FollowDrift(std::int64_t errorFrames, std::span<const float> samples);
+    /// The error has been the same for a while: a real displacement, not a hasty measurement.
+    bool IsSteady(std::int64_t errorFrames, std::size_t frames);
+    int Correction(std::size_t frames);
 
     const int m_rate;
     const int m_channels;
@@ -47,6 +50,7 @@ class SampleClock {
     std::int64_t m_produced = 0;
     double m_drift = 0;  ///< smoothed error in frames: above 0 the samples come too slowly
     std::size_t m_sinceCorrection = 0;
+    std::size_t m_steadyFrames = 0;
     int m_lateBlocks = 0;
     std::vector<float> m_output;
 };

@@ -1,6 +1,8 @@
 #include "media/capture/SoundInput.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <functional>
 #include <utility>
 
 #include "media/capture/CaptureError.h"
@@ -12,6 +14,10 @@ namespace kestrum::media {
 namespace {
 
 constexpr int kOpenTimeoutMs = 5000;
+// A source that starts may tell an age of its samples that is far too high for a second or two; the recording waits for
+// a believable one, but not for ever.
+constexpr std::int64_t kBelievableAgeNs = 150 * kNsPerMs;
+constexpr int kSettleTimeoutMs = 4000;
 constexpr std::int64_t kRetryNs = kNsPerSecond;
 // A source that is lost counts as silent up to so far before now, so that it can come back without an overlap.
 constexpr std::int64_t kSilenceLagNs = 300 * kNsPerMs;
@@ -37,12 +43,8 @@ class Source {
     const std::string& Name() const { return m_name; }
     SampleClock& Clock() { return m_clock; }
     bool IsReady() const { return m_stream && pa_stream_get_state(m_stream.get()) == PA_STREAM_READY; }
-    /// The server has told how old its samples are: without that the first ones cannot be placed.
-    bool HasTiming() const {
-        pa_usec_t latency = 0;
-        int isNegative = 0;
-        return IsReady() && pa_stream_get_latency(m_stream.get(), &latency, &isNegative) == 0;
-    }
+    /// Samples come, and the server knows how old they are: without that the first ones cannot be placed.
+    bool IsSettled() const { return m_hasAge && std::abs(m_ageNs) < kBelievableAgeNs; }
     bool HasFailed() const { return !m_stream || !PA_STREAM_IS_GOOD(pa_stream_get_state(m_stream.get())); }
 
     void Connect(pa_context* context) {
@@ -82,15 +84,18 @@ class Source {
         int isNegative = 0;
         m_lastDataNs = MonotonicNs();
         if (pa_stream_get_latency(m_stream.get(), &latency, &isNegative) != 0) return;
-        const std::int64_t ageNs = static_cast<std::int64_t>(latency) * 1000 * (isNegative ? -1 : 1);
+        m_hasAge = true;
+        m_ageNs = static_cast<std::int64_t>(latency) * 1000 * (isNegative ? -1 : 1);
         const std::vector<float> hole(samples ? 0 : count, 0.0F);
-        m_clock.Push(m_lastDataNs - ageNs, samples ? std::span(samples, count) : std::span(hole));
+        m_clock.Push(m_lastDataNs - m_ageNs, samples ? std::span(samples, count) : std::span(hole));
     }
 
     const std::string m_name;
     const AudioLayout m_layout;
     SampleClock m_clock;
     std::int64_t m_lastDataNs = 0;
+    std::int64_t m_ageNs = 0;
+    bool m_hasAge = false;
     std::unique_ptr<pa_stream, StreamDeleter> m_stream;
 };
 
@@ -108,13 +113,16 @@ class SoundInput::Impl {
             throw CaptureError(CaptureErrorKind::kNoSound, "The sound server does not answer.");
         }
         for (auto& source : m_sources) source->Connect(pulse->Context());
-        const std::int64_t end = MonotonicNs() + kOpenTimeoutMs * kNsPerMs;
         for (auto& source : m_sources) {
-            while (!source->HasTiming() && !source->HasFailed() && MonotonicNs() < end) pulse->Pump(20);
-            if (source->HasTiming()) continue;
+            PumpUntil(kOpenTimeoutMs, [&] { return source->IsReady() || source->HasFailed(); });
+            if (source->IsReady()) continue;
             throw CaptureError(CaptureErrorKind::kNoSound,
                                "The sound source \"" + source->Name() + "\" cannot be opened.");
         }
+        PumpUntil(kSettleTimeoutMs, [this] {
+            return std::all_of(m_sources.begin(), m_sources.end(),
+                               [](const auto& source) { return source->IsSettled(); });
+        });
     }
 
     void Start(std::int64_t startNs) {
@@ -159,6 +167,11 @@ class SoundInput::Impl {
     std::unique_ptr<PulseConnection> pulse;
 
   private:
+    void PumpUntil(int timeoutMs, const std::function<bool()>& done) {
+        const std::int64_t end = MonotonicNs() + timeoutMs * kNsPerMs;
+        while (!done() && MonotonicNs() < end) pulse->Pump(20);
+    }
+
     void Reconnect() {
         if (pulse->HasFailed()) {
             for (auto& source : m_sources) source->Disconnect();

@@ -1,0 +1,112 @@
+#include "media/worker/RecordingDesk.h"
+
+#include <filesystem>
+#include <stdexcept>
+#include <utility>
+
+namespace kestrum::media {
+namespace {
+
+constexpr std::int32_t kGone = -1;
+
+RecorderSettings ToSettings(const protocol::Settings& from) {
+    RecorderSettings settings;
+    settings.display = from.picture.display;
+    settings.area = {from.picture.x, from.picture.y, from.picture.width, from.picture.height};
+    settings.framesPerSecond = from.framesPerSecond;
+    settings.soundSources = from.soundSources;
+    settings.stereo = from.stereo != 0;
+    settings.audioKbps = from.audioKbps;
+    return settings;
+}
+
+}  // namespace
+
+StoredPaths ToStoredPaths(const protocol::PackageFiles& files) {
+    return {files.projectFile, files.cursorImage, files.photo, files.indexText};
+}
+
+protocol::Recovery ToRecovery(const std::optional<RecoveryReport>& report) {
+    if (!report) return {};
+    return {1, report->entries, report->entriesWithoutMedia, report->lengthMs, report->bytesCut};
+}
+
+RecordingDesk::RecordingDesk(std::function<void(int)> onLevel) : m_onLevel(std::move(onLevel)) {}
+
+void RecordingDesk::Open(const protocol::Settings& settings) {
+    if (m_isRecording) throw std::logic_error("A recording runs already.");
+    auto recorder = std::make_unique<Recorder>(ToSettings(settings), m_onLevel);
+    recorder->OpenSound();
+    m_recorder = std::move(recorder);
+}
+
+void RecordingDesk::Close() {
+    if (!m_isRecording) m_recorder.reset();
+}
+
+protocol::Recovery RecordingDesk::Start(const protocol::PackageFiles& files) {
+    if (!m_recorder || m_isRecording) throw std::logic_error("A recording can be started once after its devices.");
+    m_recorder->Start(files.package, ToStoredPaths(files));
+    m_package = files.package;
+    m_isRecording = true;
+    m_stateAfterStop = 0;
+    return ToRecovery(m_recorder->Recovered());
+}
+
+std::int64_t RecordingDesk::KeyFrame() {
+    return m_isRecording ? m_recorder->AddKeyFrame() : -1;
+}
+
+bool RecordingDesk::Journal(const std::string& text) {
+    return m_isRecording && m_recorder->WriteJournal(text);
+}
+
+protocol::State RecordingDesk::State() const {
+    protocol::State answer;
+    answer.state = m_stateAfterStop;
+    if (!m_isRecording) return answer;
+    const RecorderStatistics statistics = m_recorder->Statistics();
+    answer.state = static_cast<std::int32_t>(m_recorder->State());
+    answer.writtenMs = statistics.writtenMs;
+    answer.pictures = statistics.pictures;
+    answer.keyFrames = statistics.keyFrames;
+    answer.videoBytes = statistics.videoBytes;
+    answer.audioBytes = statistics.audioBytes;
+    answer.soundComplete = statistics.soundComplete;
+    return answer;
+}
+
+void RecordingDesk::Stop() {
+    if (!m_isRecording) return;
+    m_isRecording = false;
+    const auto recorder = std::move(m_recorder);
+    try {
+        recorder->Stop();
+        m_stateAfterStop = 0;
+    } catch (const Error&) {
+        m_stateAfterStop = static_cast<std::int32_t>(EncoderState::kFileError);
+        throw;
+    }
+}
+
+void RecordingDesk::Abandon() {
+    if (!m_isRecording) return;
+    try {
+        Stop();
+    } catch (const Error&) {
+        // The next opening of the package recovers it; there is nobody left to tell.
+    }
+    m_stateAfterStop = kGone;
+}
+
+protocol::Recovery RecordingDesk::Store(const protocol::PackageFiles& files) {
+    const StoredFiles stored = LoadFiles(ToStoredPaths(files));
+    std::error_code ignored;
+    if (m_isRecording && std::filesystem::equivalent(files.package, m_package, ignored)) {
+        m_recorder->StoreFiles(stored);
+        return {};
+    }
+    return ToRecovery(WriteStored(files.package, stored));
+}
+
+}  // namespace kestrum::media

@@ -1,0 +1,190 @@
+#include "media/worker/WorkerServer.h"
+
+#include <poll.h>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <stdexcept>
+#include <utility>
+
+#include "media/capture/CaptureError.h"
+#include "media/capture/Clock.h"
+#include "media/capture/Screen.h"
+#include "media/capture/SoundSources.h"
+#include "media/package/Package.h"
+
+namespace kestrum::media {
+namespace {
+
+using protocol::Channel;
+using protocol::Kind;
+using protocol::Message;
+using protocol::Nothing;
+using protocol::Number;
+using protocol::Text;
+
+// A worker asked to end by the system answers on for so long, since the program that started it is being asked too and
+// wants to hear how the recording ended.
+constexpr std::int64_t kFarewellNs = 20 * kNsPerSecond;
+
+/// The exception in flight as an answer.
+protocol::Failure CurrentFailure() {
+    using protocol::FailedPart;
+    try {
+        throw;
+    } catch (const Error& error) {
+        return {FailedPart::kPackage, static_cast<std::int32_t>(error.kind), error.what()};
+    } catch (const CaptureError& error) {
+        return {FailedPart::kCapture, static_cast<std::int32_t>(error.kind), error.what()};
+    } catch (const protocol::WireError& error) {
+        return {FailedPart::kRequest, 0, error.what()};
+    } catch (const std::logic_error& error) {
+        return {FailedPart::kRequest, 0, error.what()};
+    } catch (const std::exception& error) {
+        return {FailedPart::kOther, 0, error.what()};
+    }
+}
+
+protocol::SoundList AskSound() {
+    protocol::SoundList list;
+    for (const auto& source : ListSoundSources()) {
+        list.devices.push_back({source.name, source.description, source.isSystemSound, source.isDefault});
+    }
+    return list;
+}
+
+protocol::Uniformity AskUniformity(const protocol::Probe& probe) {
+    const Uniformity found = ProbePicture(probe.display, {probe.x, probe.y, probe.width, probe.height});
+    return {found.isUniform, static_cast<std::int32_t>(found.colour)};
+}
+
+protocol::Size AskSize(const std::string& path) {
+    const auto size = FrameSize(path);
+    return size ? protocol::Size{size->width, size->height} : protocol::Size{};
+}
+
+protocol::Verdict ToVerdict(const VerifyResult& result) {
+    return {static_cast<protocol::Soundness>(result.soundness), result.cancelled, ToRecovery(result.recovered)};
+}
+
+int BlockedSignals() {
+    sigset_t set;
+    sigemptyset(&set);
+    sigaddset(&set, SIGTERM);
+    return signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
+}
+
+}  // namespace
+
+WorkerServer::WorkerServer(int socket)
+    : m_channel(socket), m_desk([this](int level) {
+          if (m_sendLevels) m_channel.SendIfRoom(Channel::Make(Kind::kLevel, 0, Number{level}));
+      }) {
+    AddRecordingHandlers();
+    AddPackageHandlers();
+}
+
+template <typename Request, typename Function>
+void WorkerServer::On(Kind kind, Function function) {
+    m_handlers[kind] = [function = std::move(function)](const std::string& body) {
+        const auto request = protocol::Unpack<Request>(body);
+        if constexpr (std::is_void_v<decltype(function(request))>) {
+            function(request);
+            return protocol::Pack(Nothing{});
+        } else {
+            return protocol::Pack(function(request));
+        }
+    };
+}
+
+void WorkerServer::AddRecordingHandlers() {
+    On<Nothing>(Kind::kHello, [](const Nothing&) { return Number{protocol::kVersion}; });
+    On<Nothing>(Kind::kListSound, [](const Nothing&) { return AskSound(); });
+    On<protocol::Probe>(Kind::kProbe, AskUniformity);
+    On<protocol::Settings>(Kind::kOpen, [this](const auto& settings) { m_desk.Open(settings); });
+    On<Nothing>(Kind::kClose, [this](const Nothing&) { m_desk.Close(); });
+    On<protocol::PackageFiles>(Kind::kStart, [this](const auto& files) { return m_desk.Start(files); });
+    On<Nothing>(Kind::kKeyFrame, [this](const Nothing&) { return Number{m_desk.KeyFrame()}; });
+    On<Text>(Kind::kJournal, [this](const Text& text) { return Number{m_desk.Journal(text.value)}; });
+    On<Nothing>(Kind::kState, [this](const Nothing&) { return m_desk.State(); });
+    On<Nothing>(Kind::kStop, [this](const Nothing&) { m_desk.Stop(); });
+    On<Number>(Kind::kSendLevels, [this](const Number& on) { m_sendLevels = on.value != 0; });
+}
+
+void WorkerServer::AddPackageHandlers() {
+    On<Text>(Kind::kLength, [](const Text& path) { return Number{LengthMs(path.value)}; });
+    On<Text>(Kind::kFrameSize, [](const Text& path) { return AskSize(path.value); });
+    On<Text>(Kind::kKeyFrames, [](const Text& path) { return protocol::NumberList{KeyFrames(path.value)}; });
+    On<Text>(Kind::kFormatVersion, [](const Text& path) { return Number{FormatVersion(path.value)}; });
+    On<Text>(Kind::kEmptiness, [](const Text& path) { return Number{static_cast<int>(IsEmpty(path.value))}; });
+    On<Text>(Kind::kVideoAttribute, [](const Text& path) { return Number{VideoAttribute(path.value)}; });
+    On<Text>(Kind::kAudioBitrate, [](const Text& path) { return Number{AudioBitrate(path.value)}; });
+    On<protocol::PackageFiles>(
+        Kind::kExtract, [](const auto& files) { return Number{ExtractStored(files.package, ToStoredPaths(files))}; });
+    On<protocol::PackageFiles>(Kind::kStore, [this](const auto& files) { return m_desk.Store(files); });
+    On<Text>(Kind::kVerifyQuick, [](const Text& path) { return Number{static_cast<int>(QuickVerify(path.value))}; });
+    On<Nothing>(Kind::kCancel, [this](const Nothing&) { m_verify.Cancel(); });
+}
+
+void WorkerServer::Answer(const Message& request) {
+    if (request.kind == Kind::kVerifyWhole) return StartWholeVerify(request);
+    Message answer{Kind::kDone, request.id, {}};
+    try {
+        const auto handler = m_handlers.find(request.kind);
+        if (handler == m_handlers.end()) throw std::logic_error("The media worker does not know this request.");
+        answer.body = handler->second(request.body);
+    } catch (...) {
+        answer = Channel::Make(Kind::kFailed, request.id, CurrentFailure());
+    }
+    m_channel.Send(answer);
+}
+
+void WorkerServer::StartWholeVerify(const Message& request) {
+    m_verify.Start([this, request](const std::function<bool()>& isCancelled) {
+        Message answer;
+        try {
+            const auto path = protocol::Unpack<Text>(request.body).value;
+            const auto onPercent = [&](int percent) {
+                m_channel.SendIfRoom(Channel::Make(Kind::kProgress, request.id, Number{percent}));
+            };
+            answer = Channel::Make(Kind::kDone, request.id, ToVerdict(WholeVerify(path, onPercent, isCancelled)));
+        } catch (...) {
+            answer = Channel::Make(Kind::kFailed, request.id, CurrentFailure());
+        }
+        m_channel.Send(answer);
+    });
+}
+
+bool WorkerServer::WaitForWork(int signalFd) {
+    pollfd descriptors[] = {{m_channel.FileDescriptor(), POLLIN, 0}, {signalFd, POLLIN, 0}};
+    const int timeoutMs =
+        m_endNs == 0 ? -1 : static_cast<int>(std::max<std::int64_t>(0, (m_endNs - MonotonicNs()) / kNsPerMs));
+    poll(descriptors, 2, timeoutMs);
+    if (descriptors[1].revents) OnTerminate(signalFd);
+    return descriptors[0].revents != 0;
+}
+
+void WorkerServer::OnTerminate(int signalFd) {
+    signalfd_siginfo info;
+    [[maybe_unused]] const auto taken = read(signalFd, &info, sizeof info);
+    // Whoever asks twice means it.
+    m_endNs = m_endNs ? MonotonicNs() : MonotonicNs() + kFarewellNs;
+    m_desk.Abandon();
+}
+
+int WorkerServer::Run() {
+    const int signalFd = BlockedSignals();
+    while (m_endNs == 0 || MonotonicNs() < m_endNs) {
+        if (!WaitForWork(signalFd)) continue;
+        const auto request = m_channel.Receive();
+        if (!request) break;
+        Answer(*request);
+    }
+    m_desk.Abandon();
+    m_verify.CancelAndWait();
+    close(signalFd);
+    return 0;
+}
+
+}  // namespace kestrum::media

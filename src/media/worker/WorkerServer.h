@@ -1,0 +1,47 @@
+// The worker as the other end of a channel: takes requests, answers them, and ends when the other side has gone.
+// Decides that no end loses a recording: neither the death of the program that started it nor a request of the system
+// to end.
+#pragma once
+
+#include <atomic>
+#include <functional>
+#include <map>
+#include <string>
+
+#include "media/protocol/Channel.h"
+#include "media/worker/RecordingDesk.h"
+#include "media/worker/VerifyJob.h"
+
+namespace kestrum::media {
+
+class WorkerServer {
+  public:
+    /// Owns the connected socket.
+    explicit WorkerServer(int socket);
+
+    /// Serves until the other side has gone or the system asked for the end (SIGTERM, which the caller has blocked in
+    /// all threads). Returns the exit code.
+    int Run();
+
+  private:
+    /// Body of a request in, body of its answer out.
+    using Handler = std::function<std::string(const std::string&)>;
+
+    template <typename Request, typename Function>
+    void On(protocol::Kind kind, Function function);
+    void AddRecordingHandlers();
+    void AddPackageHandlers();
+    void Answer(const protocol::Message& request);
+    void StartWholeVerify(const protocol::Message& request);
+    bool WaitForWork(int signalFd);
+    void OnTerminate(int signalFd);
+
+    protocol::Channel m_channel;
+    std::atomic<bool> m_sendLevels{false};
+    RecordingDesk m_desk;
+    VerifyJob m_verify;
+    std::map<protocol::Kind, Handler> m_handlers;
+    std::int64_t m_endNs = 0;  ///< when a worker that was asked to end stops answering; 0: not asked
+};
+
+}  // namespace kestrum::media
