@@ -296,7 +296,10 @@ TEST_F(CaptureRecorder, DeathOfTheDisplayIsAStateAndThePackageIsFinished) {
 
 TEST_F(CaptureRecorder, NewScreenResolutionIsAState) {
     auto recorder = Begin(Settings());
-    ASSERT_EQ(RunProgram({"xrandr", "-display", m_display.Name(), "--fb", "320x240"}).code, 0);
+    ASSERT_EQ(
+        real::Run({"xrandr", "-display", m_display.Name(), "--setmonitor", "Other", "320/80x240/60+0+0", "screen"})
+            .code,
+        0);
     ASSERT_TRUE(WaitFor([&] { return recorder->State() == EncoderState::kResolutionChanged; }));
     recorder->Stop();
     EXPECT_EQ(QuickVerify(Package()), Soundness::kSound);

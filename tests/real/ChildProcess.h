@@ -126,8 +126,7 @@ class ChildProcess {
 };
 
 /// Runs a program to its end and returns its output.
-inline Outcome RunProgram(const std::vector<std::string>& command,
-                          std::vector<std::pair<std::string, std::string>> env = {}) {
+inline Outcome Run(const std::vector<std::string>& command, std::vector<std::pair<std::string, std::string>> env = {}) {
     ChildProcess::Options options;
     options.env = std::move(env);
     options.captureOutput = true;

@@ -17,8 +17,8 @@ struct Rgb {
 
 /// Positions in ms of the packets of a track ("v" or "a"); key frames only if asked.
 inline std::vector<std::int64_t> PacketPositions(const std::string& file, const std::string& track, bool keysOnly) {
-    const auto found = RunProgram({"ffprobe", "-v", "error", "-select_streams", track + ":0", "-show_entries",
-                                   "packet=pts_time,flags", "-of", "csv=p=0", file});
+    const auto found = Run({"ffprobe", "-v", "error", "-select_streams", track + ":0", "-show_entries",
+                            "packet=pts_time,flags", "-of", "csv=p=0", file});
     std::vector<std::int64_t> positions;
     std::istringstream lines(found.output);
     for (std::string line; std::getline(lines, line);) {
@@ -37,8 +37,8 @@ struct ShownPicture {
 
 /// All pictures of a file in order, decoded.
 inline std::vector<ShownPicture> Pictures(const std::string& file) {
-    const auto raw = RunProgram({"ffmpeg", "-v", "error", "-i", file, "-map", "0:v", "-vsync", "passthrough", "-vf",
-                                 "crop=2:2:iw/2:ih/2,format=rgb24", "-f", "rawvideo", "-"})
+    const auto raw = Run({"ffmpeg", "-v", "error", "-i", file, "-map", "0:v", "-vsync", "passthrough", "-vf",
+                          "crop=2:2:iw/2:ih/2,format=rgb24", "-f", "rawvideo", "-"})
                          .output;
     const auto positions = PacketPositions(file, "v", false);
     constexpr std::size_t kBytes = 12;
@@ -69,8 +69,8 @@ inline bool IsNear(const Rgb& colour, std::uint32_t wanted, int tolerance = 24) 
 
 /// The sound track as mono samples of 48 kHz.
 inline std::vector<std::int16_t> Samples(const std::string& file) {
-    const auto found = RunProgram(
-        {"ffmpeg", "-v", "error", "-i", file, "-map", "0:a", "-ac", "1", "-ar", "48000", "-f", "s16le", "-"});
+    const auto found =
+        Run({"ffmpeg", "-v", "error", "-i", file, "-map", "0:a", "-ac", "1", "-ar", "48000", "-f", "s16le", "-"});
     const auto* begin = reinterpret_cast<const std::int16_t*>(found.output.data());
     return {begin, begin + found.output.size() / 2};
 }

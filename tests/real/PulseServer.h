@@ -54,7 +54,7 @@ class PulseServer {
     /// Runs pactl, for instance {"unload-module", "module-remap-source"}.
     Outcome Control(std::vector<std::string> words) const {
         words.insert(words.begin(), "pactl");
-        return RunProgram(words, Env());
+        return Run(words, Env());
     }
     /// Plays a sound file into a sink until it ends or the object goes.
     [[nodiscard]] ChildProcess Play(const std::string& wavFile, const std::string& sink = "micbus") const {
@@ -65,8 +65,8 @@ class PulseServer {
     }
     /// Writes a sine tone as a 48 kHz stereo file.
     static void WriteTone(const std::string& wavFile, double hertz, double seconds) {
-        RunProgram({"sox", "-n", "-r", "48000", "-c", "2", wavFile, "synth", std::to_string(seconds), "sine",
-                    std::to_string(hertz), "vol", "0.5"});
+        Run({"sox", "-n", "-r", "48000", "-c", "2", wavFile, "synth", std::to_string(seconds), "sine",
+             std::to_string(hertz), "vol", "0.5"});
     }
     /// Ends the server, as its crash does.
     void Kill() {

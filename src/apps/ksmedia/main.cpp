@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "media/convert/ConvertCommand.h"
 #include "media/worker/Commands.h"
 
 namespace {
@@ -21,6 +22,8 @@ constexpr Subcommand kSubcommands[] = {
     {"keys", "PACKAGE                    key-frame positions in ms, one a line", kestrum::media::KeysCommand},
     {"verify", "[--quick] PACKAGE        checks it; recovers an interrupted recording", kestrum::media::VerifyCommand},
     {"devices", "                        sound sources: name, kind, description", kestrum::media::DevicesCommand},
+    {"convert-mp4", "...                  an MP4 movie from a package", kestrum::media::RunConvertMp4},
+    {"draw-fit", "TARGET SOURCE           draws SOURCE into the picture TARGET", kestrum::media::RunDrawFit},
     {"serve", "FD                        answers requests on a connected socket", kestrum::media::ServeCommand},
 };
 

@@ -129,6 +129,10 @@ class Screen::Impl {
         }
     }
 
+    void CompareMonitor() {
+        if (randrEvent) newResolution |= MonitorOf(connection.get(), screen->root, area) != monitor;
+    }
+
     Area area;
     int screenNumber = 0;
     XcbConnection connection;
@@ -194,7 +198,7 @@ class Screen::Impl {
         }
         const bool randr = randrEvent && (type == randrEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
                                           type == randrEvent + XCB_RANDR_NOTIFY);
-        if (randr) newResolution |= MonitorOf(connection.get(), screen->root, area) != monitor;
+        if (randr) CompareMonitor();
     }
 
     static std::vector<Area> MergeIfMany(const std::vector<Area>& areas) {
@@ -245,6 +249,7 @@ void Screen::Fetch(BgraPicture& picture, ChangeMap& changes, bool everywhere) {
     m_impl->wasDrawn = false;
     if (everywhere) {
         m_impl->ReadInto(picture, changes, {0, 0, m_impl->area.width, m_impl->area.height});
+        m_impl->CompareMonitor();
     } else {
         for (const auto& part : drawn) m_impl->ReadInto(picture, changes, part);
     }
