@@ -169,6 +169,34 @@ TEST_F(PackageFilesTest, Attachments_AreSeenByOtherReaders) {
     EXPECT_NE(RunTool({"mkvmerge", "-i", m_path}).output.find("'cursor.gif'"), std::string::npos);
 }
 
+TEST_F(PackageFilesTest, PackageEditedByAnotherProgram_IsReadAndWrittenAndLosesNothing) {
+    WriteStored(m_path, {{kProjectFileName, ProjectFile({0})}, {kPhotoName, AsBytes("photo")}});
+    const std::int64_t length = RecordFile(m_path);
+    const std::string note = m_folder.File("handout.pdf");
+    WriteWholeFile(note, Bytes(5000, 7));
+    ASSERT_EQ(RunTool({"mkvpropedit", m_path, "--edit", "info", "--set", "title=A rather long new title", "--edit",
+                       "track:a1", "--set", "name=The speaker", "--attachment-description", "for the audience",
+                       "--add-attachment", note})
+                  .exitCode,
+              0);
+    EXPECT_EQ(ReadStored(m_path).at("handout.pdf")->size(), 5000u);
+    EXPECT_EQ(LengthMs(m_path), length);
+    EXPECT_EQ(QuickVerify(m_path), Soundness::kSound);
+
+    WriteStored(m_path, {{kProjectFileName, ProjectFile({0, 1000})}});
+    RecordFile(m_path);
+    EXPECT_EQ(WholeVerify(m_path, nullptr, nullptr).soundness, Soundness::kSound);
+    EXPECT_EQ(KeyFrames(m_path).size(), 8u);
+    const StoredFiles stored = ReadStored(m_path);
+    EXPECT_EQ(stored.at("handout.pdf")->size(), 5000u);
+    EXPECT_EQ(AsText(*stored.at(kPhotoName)), "photo");
+    EXPECT_EQ(*stored.at(kProjectFileName), ProjectFile({0, 1000}));
+    const std::string info = RunTool({"mkvinfo", "--all", m_path}).output;
+    EXPECT_NE(info.find("for the audience"), std::string::npos);
+    EXPECT_NE(info.find("The speaker"), std::string::npos);
+    EXPECT_EQ(info.find("Error"), std::string::npos);
+}
+
 TEST_F(PackageFilesTest, DamagedFiles_AreToldAndNeverReplaced) {
     WriteStored(m_path, {{kPhotoName, Bytes(30'000, 1)}});
     FileStorage::Open(m_path, FileStorage::Access::kReadWrite)->WriteAt(kRegionAt + 9000, Bytes(1, 0xFF));

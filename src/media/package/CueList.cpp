@@ -46,8 +46,8 @@ Bytes BuildCues(const std::vector<CueEntry>& entries) {
 }
 
 std::optional<std::vector<CueEntry>> ReadCues(IStorage& storage, const Element& cues) {
-    if (!HasRightCrc(storage, cues)) return std::nullopt;
-    // The list is small against the media and read at once; its check sum was right, so the bytes are there.
+    if (CheckCrc(storage, cues) == CrcState::kWrong) return std::nullopt;
+    // The list is small against the media and read at once. Other programs need not write a check sum.
     const auto bytes = ReadExactly(storage, cues.data, cues.size);
     if (!bytes) return std::nullopt;
     MemoryStorage memory(*bytes);

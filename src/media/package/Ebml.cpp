@@ -101,14 +101,15 @@ std::string ReadText(IStorage& storage, const Element& element, std::size_t maxi
     return std::string(bytes.begin(), std::find(bytes.begin(), bytes.end(), std::uint8_t{0}));
 }
 
-bool HasRightCrc(IStorage& storage, const Element& master) {
-    if (master.unknownSize || master.size < kCrcElementSize) return false;
+CrcState CheckCrc(IStorage& storage, const Element& master) {
+    if (master.unknownSize || master.size < kCrcElementSize) return CrcState::kAbsent;
     std::array<std::uint8_t, kCrcElementSize> raw{};
-    if (storage.ReadAt(master.data, raw) != raw.size()) return false;
-    if (raw[0] != kCrc32 || raw[1] != 0x84) return false;
+    if (storage.ReadAt(master.data, raw) != raw.size()) return CrcState::kAbsent;
+    if (raw[0] != kCrc32 || raw[1] != 0x84) return CrcState::kAbsent;
     std::uint32_t stored = 0;
     for (std::size_t i = 0; i < 4; ++i) stored |= static_cast<std::uint32_t>(raw[2 + i]) << (8 * i);
-    return stored == CrcOf(storage, master.data + kCrcElementSize, master.End());
+    const bool right = stored == CrcOf(storage, master.data + kCrcElementSize, master.End());
+    return right ? CrcState::kRight : CrcState::kWrong;
 }
 
 void AppendId(Bytes& target, std::uint32_t id) {

@@ -114,8 +114,9 @@ double ReadFloat(IStorage& storage, const Element& element);
 std::string ReadText(IStorage& storage, const Element& element, std::size_t maximum);
 Bytes ReadBinary(IStorage& storage, const Element& element, std::size_t maximum);
 
-/// Whether a master element begins with a CRC-32 that is right; `false` without one.
-bool HasRightCrc(IStorage& storage, const Element& master);
+enum class CrcState { kRight, kWrong, kAbsent };
+/// What the CRC-32 at the beginning of a master element says.
+CrcState CheckCrc(IStorage& storage, const Element& master);
 
 // --- Writing ---------------------------------------------------------------------------------------------------------
 

@@ -151,8 +151,13 @@ class Replacement {
         if (!m_map.ownLayout) throw Error(ErrorKind::kDamaged, "The head of the package is damaged.", 0);
     }
 
+    void CopyFrom(IStorage& source, const PackageMap& map) {
+        LoadRawFiles(source, map);
+        Place(true);
+    }
+
     void Apply(const StoredFiles& changes) {
-        LoadRawFiles();
+        LoadRawFiles(m_storage, m_map);
         bool filesChange = false;
         for (const auto& [name, content] : changes) {
             ApplyOne(name, content);
@@ -162,15 +167,15 @@ class Replacement {
     }
 
   private:
-    void LoadRawFiles() {
-        for (const AttachedFile& file : m_map.files) {
-            auto element = ReadExactly(m_storage, file.element.position, file.element.End() - file.element.position);
+    void LoadRawFiles(IStorage& source, const PackageMap& map) {
+        for (const AttachedFile& file : map.files) {
+            auto element = ReadExactly(source, file.element.position, file.element.End() - file.element.position);
             const bool known = std::any_of(m_files.begin(), m_files.end(),
                                            [&](const RawFile& other) { return other.name == file.name; });
             if (element && !known) m_files.push_back({file.name, *std::move(element)});
-            if (file.name == kProjectFileName && !known) m_marks = ChapterMarksOf(ReadAttachedFile(m_storage, file));
+            if (file.name == kProjectFileName && !known) m_marks = ChapterMarksOf(ReadAttachedFile(source, file));
         }
-        if (!FilesAreSound(m_storage, m_map))
+        if (!FilesAreSound(source, map))
             throw Error(ErrorKind::kDamaged, "The stored files of the package are damaged.", 0);
     }
 
@@ -270,10 +275,8 @@ std::optional<TailRoom> HoleInTail(IStorage& storage, std::uint64_t bytes) {
     return TailRoom{*begin, end};
 }
 
-TailRoom EndOfTail(IStorage& storage) {
-    // What lies behind the last thing that counts is left over from a change that was cut short.
-    const std::uint64_t end = ReadMap(storage).referencedEnd;
-    storage.Truncate(end);
+TailRoom RoomAtEnd(IStorage& storage) {
+    const std::uint64_t end = storage.Size();
     const std::uint64_t padding = PaddingBefore(end);
     if (padding == 0) return {end, 0};
     Bytes filler;
@@ -290,12 +293,19 @@ void ReplaceFiles(IStorage& storage, const StoredFiles& changes, const ReserveTa
 
 void ReplaceFilesOfClosedPackage(IStorage& storage, const StoredFiles& changes) {
     ReplaceFiles(storage, changes, [&](std::uint64_t bytes) {
-        const auto hole = HoleInTail(storage, bytes);
-        return hole ? *hole : EndOfTail(storage);
+        if (const auto hole = HoleInTail(storage, bytes)) return *hole;
+        // What lies behind the last thing that counts is left over from a change that was cut short.
+        storage.Truncate(ReadMap(storage).referencedEnd);
+        return RoomAtEnd(storage);
     });
     // Old sets at the end of the file are given back.
     const PackageMap map = ReadMap(storage);
     if (map.tailWhole && map.referencedEnd < map.fileSize) storage.Truncate(map.referencedEnd);
+}
+
+void CopyFiles(IStorage& source, const PackageMap& sourceMap, IStorage& target) {
+    const ReserveTail reserve = [&](std::uint64_t) { return RoomAtEnd(target); };
+    Replacement(target, reserve).CopyFrom(source, sourceMap);
 }
 
 StoredFiles LoadAttachedFiles(IStorage& storage, const PackageMap& map) {

@@ -25,6 +25,9 @@ void ReplaceFiles(IStorage& storage, const StoredFiles& changes, const ReserveTa
 /// The same for a package that no recorder has open: room behind the media is used again.
 void ReplaceFilesOfClosedPackage(IStorage& storage, const StoredFiles& changes);
 
+/// Puts the files of `source` into `target`, which has none, as they are: unknown ones keep all that is said of them.
+void CopyFiles(IStorage& source, const PackageMap& sourceMap, IStorage& target);
+
 /// Content of all files by name, the journal included. Throws kDamaged.
 StoredFiles LoadAttachedFiles(IStorage& storage, const PackageMap& map);
 

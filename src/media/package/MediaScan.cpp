@@ -164,7 +164,7 @@ class Scanner {
         const auto cluster = ReadElement(m_storage, position, m_fileSize);
         if (!cluster || cluster->unknownSize || cluster->size > m_searchBudget) return false;
         m_searchBudget -= cluster->size;
-        return HasRightCrc(m_storage, *cluster);
+        return CheckCrc(m_storage, *cluster) == CrcState::kRight;
     }
 
     IStorage& m_storage;

@@ -1,6 +1,7 @@
 #include "media/package/OpenPackage.h"
 
 #include "media/package/Error.h"
+#include "media/package/OwnLayout.h"
 #include "media/package/Recovery.h"
 
 namespace kestrum::media {
@@ -9,27 +10,39 @@ namespace {
 
 using namespace ebml;
 
-void RequireOurs(const PackageMap& map) {
+void RequireWritable(const PackageMap& map) {
     if (!map.IsOurs()) throw Error(ErrorKind::kNotAPackage, "The file is not a Kestrum package.", 0);
-    if (map.formatVersion == kFormatVersion) return;
-    throw Error(ErrorKind::kNotAPackage,
-                "The package has the format version " + std::to_string(map.formatVersion / 256) + "." +
-                    std::to_string(map.formatVersion % 256) + ", which this program cannot write.",
-                0);
+    if (map.formatVersion != kFormatVersion)
+        throw Error(ErrorKind::kNotAPackage,
+                    "The package has the format version " + std::to_string(map.formatVersion / 256) + "." +
+                        std::to_string(map.formatVersion % 256) + ", which this program cannot write.",
+                    0);
+    if (!map.headReadable) throw Error(ErrorKind::kDamaged, "The head of the package is damaged.", 0);
 }
 
 }  // namespace
 
-std::unique_ptr<IStorage> OpenOrCreate(const std::string& path) {
-    if (!FileStorage::Exists(path)) return FileStorage::Create(path, BuildEmptyPackage(), kMediaAt);
+std::unique_ptr<IStorage> OpenExisting(const std::string& path) {
     auto storage = FileStorage::Open(path, FileStorage::Access::kReadWrite);
     if (storage->LockExclusive() == LockResult::kHeldByOther)
         throw Error(ErrorKind::kLocked, "'" + path + "' is being recorded or written by another program.", 0);
-    return storage;
+    const PackageMap map = ReadMap(*storage);
+    RequireWritable(map);
+    if (map.ownLayout) return storage;
+    return FileStorage::Create(path, FileStorage::Collision::kReplace,
+                               [&](IStorage& target) { CopyIntoOwnLayout(*storage, map, target); });
+}
+
+std::unique_ptr<IStorage> OpenOrCreate(const std::string& path) {
+    if (FileStorage::Exists(path)) return OpenExisting(path);
+    return FileStorage::Create(path, FileStorage::Collision::kRefuse, [](IStorage& target) {
+        target.WriteAt(0, BuildEmptyPackage());
+        target.Truncate(kMediaAt);
+    });
 }
 
 std::optional<RecoveryReport> PrepareForWriting(IStorage& storage) {
-    RequireOurs(ReadMap(storage));
+    RequireWritable(ReadMap(storage));
     const auto recovered = RecoverIfInterrupted(storage);
     const PackageMap map = ReadMap(storage);
     if (map.tailWhole && map.referencedEnd < map.fileSize) storage.Truncate(map.referencedEnd);

@@ -11,11 +11,15 @@
 
 namespace kestrum::media {
 
-/// Opens and locks `path`; makes an empty package where there is none. Throws kLocked while another one holds it.
+/// Opens and locks the package at `path`. Throws kLocked while another one holds it, kNotAPackage for what is none of
+/// ours or of another format version, kDamaged if its head cannot be read. One that another program edited, so that
+/// things lie elsewhere, is copied into our own layout and replaced; all files in it stay.
+std::unique_ptr<IStorage> OpenExisting(const std::string& path);
+/// The same; makes an empty package where there is none.
 std::unique_ptr<IStorage> OpenOrCreate(const std::string& path);
 
-/// Throws kNotAPackage for what is none of ours or of another format version, and kDamaged if its head cannot be read;
-/// then recovers an interrupted package and takes off what a cut-short change left at the end.
+/// Refuses as OpenExisting does; then recovers an interrupted package and takes off what a cut-short change left at the
+/// end.
 std::optional<RecoveryReport> PrepareForWriting(IStorage& storage);
 
 /// Writes the tracks into a package without media.

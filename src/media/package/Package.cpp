@@ -87,19 +87,12 @@ bool ClustersAreSound(IStorage& storage, const PackageMap& map, const Progress& 
         }
         const auto element = ebml::ReadElement(storage, position, map.fileSize);
         if (!element || element->unknownSize) return false;
-        if (element->id == ebml::kCluster && !ebml::HasRightCrc(storage, *element)) return false;
+        const bool cluster = element->id == ebml::kCluster;
+        if (cluster && ebml::CheckCrc(storage, *element) != ebml::CrcState::kRight) return false;
         position = element->End();
         if (progress) progress(static_cast<int>(position * 100 / map.fileSize));
     }
     return true;
-}
-
-/// Recovers the package if a recorder died in it; a package that may only be read stays as it is.
-std::optional<RecoveryReport> RecoverLocked(const std::string& path) {
-    const auto storage = FileStorage::Open(path, FileStorage::Access::kReadWrite);
-    if (storage->LockExclusive() == LockResult::kHeldByOther)
-        throw Error(ErrorKind::kLocked, "'" + path + "' is being recorded or written by another program.", 0);
-    return RecoverIfInterrupted(*storage);
 }
 
 }  // namespace
@@ -176,7 +169,7 @@ VerifyResult WholeVerify(const std::string& path, const Progress& progress, cons
     result.soundness = QuickVerify(path);
     if (result.soundness == Soundness::kInterrupted) {
         try {
-            result.recovered = RecoverLocked(path);
+            result.recovered = RecoverIfInterrupted(*OpenExisting(path));
         } catch (const Error& error) {
             if (error.kind == ErrorKind::kLocked) {
                 result.soundness = Soundness::kRecording;
@@ -195,7 +188,7 @@ VerifyResult WholeVerify(const std::string& path, const Progress& progress, cons
 
 std::optional<RecoveryReport> Recover(const std::string& path) {
     if (!OpenOurs(path).map.IsInterrupted()) return std::nullopt;
-    return RecoverLocked(path);
+    return RecoverIfInterrupted(*OpenExisting(path));
 }
 
 StoredFiles ReadStored(const std::string& path) {

@@ -187,8 +187,11 @@ PackageMap ReadMap(IStorage& storage) {
 }
 
 bool FilesAreSound(IStorage& storage, const PackageMap& map) {
-    return std::all_of(map.fileSets.begin(), map.fileSets.end(),
-                       [&](const Element& set) { return HasRightCrc(storage, set); });
+    return std::all_of(map.fileSets.begin(), map.fileSets.end(), [&](const Element& set) {
+        // Other programs need not write one.
+        const CrcState state = CheckCrc(storage, set);
+        return state == CrcState::kRight || (state == CrcState::kAbsent && !map.ownLayout);
+    });
 }
 
 Bytes ReadAttachedFile(IStorage& storage, const AttachedFile& file) {

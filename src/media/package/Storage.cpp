@@ -61,13 +61,16 @@ int OpenRetrying(const std::string& path, int flags, mode_t mode) {
     return descriptor;
 }
 
-/// Gives the new file its name, unless the name was taken meanwhile.
-void Publish(const std::string& temporary, const std::string& path) {
+/// Gives the new file its name.
+void Publish(const std::string& temporary, const std::string& path, FileStorage::Collision collision) {
+    if (collision == FileStorage::Collision::kReplace) {
+        if (rename(temporary.c_str(), path.c_str()) != 0) ThrowSystem("Cannot replace", path, errno);
+        return;
+    }
     if (renameat2(AT_FDCWD, temporary.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0) return;
     const bool unsupported = errno == EINVAL || errno == ENOSYS;
     if (unsupported && !FileStorage::Exists(path) && rename(temporary.c_str(), path.c_str()) == 0) return;
     const int errorNumber = unsupported ? EEXIST : errno;
-    unlink(temporary.c_str());
     if (errorNumber == EEXIST)
         throw Error(ErrorKind::kLocked, "'" + path + "' is being made by another program.", errorNumber);
     ThrowSystem("Cannot create", path, errorNumber);
@@ -93,22 +96,21 @@ std::unique_ptr<FileStorage> FileStorage::Open(const std::string& path, Access a
     return std::unique_ptr<FileStorage>(new FileStorage(descriptor, path));
 }
 
-std::unique_ptr<FileStorage> FileStorage::Create(const std::string& path, std::span<const std::uint8_t> head,
-                                                 std::uint64_t size) {
+std::unique_ptr<FileStorage> FileStorage::Create(const std::string& path, Collision collision,
+                                                 const std::function<void(IStorage&)>& fill) {
     const std::string temporary = TemporaryBeside(path);
     const int descriptor = OpenRetrying(temporary, O_RDWR | O_CREAT | O_EXCL, 0666);
     if (descriptor < 0) ThrowSystem("Cannot create", path, errno);
     std::unique_ptr<FileStorage> storage(new FileStorage(descriptor, path));
     try {
         storage->LockExclusive();
-        storage->WriteAt(0, head);
-        storage->Truncate(size);
+        fill(*storage);
         storage->Sync();
+        Publish(temporary, path, collision);
     } catch (const Error&) {
         unlink(temporary.c_str());
         throw;
     }
-    Publish(temporary, path);
     SyncFolderOf(path);
     return storage;
 }
@@ -179,7 +181,7 @@ void FileStorage::Sync() {
 }
 
 std::size_t MemoryStorage::ReadAt(std::uint64_t position, std::span<std::uint8_t> target) {
-    if (position >= m_bytes.size()) return 0;
+    if (position >= m_bytes.size() || target.empty()) return 0;
     const std::size_t count = std::min<std::size_t>(target.size(), m_bytes.size() - position);
     std::memcpy(target.data(), m_bytes.data() + position, count);
     return count;

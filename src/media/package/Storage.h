@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -38,10 +39,11 @@ class FileStorage final : public IStorage {
     enum class Access { kRead, kReadWrite };
 
     static std::unique_ptr<FileStorage> Open(const std::string& path, Access access);
-    /// Creates `path` with the given content, complete or not at all, locked from the first moment. Throws kLocked if
-    /// another process was faster.
-    static std::unique_ptr<FileStorage> Create(const std::string& path, std::span<const std::uint8_t> head,
-                                               std::uint64_t size);
+    enum class Collision { kRefuse, kReplace };
+    /// Makes a file beside `path`, has it filled, and gives it the name: the file is there complete or not at all,
+    /// locked from the first moment. Throws kLocked if another process took the name meanwhile and that is refused.
+    static std::unique_ptr<FileStorage> Create(const std::string& path, Collision collision,
+                                               const std::function<void(IStorage&)>& fill);
     /// True if something of that name exists.
     static bool Exists(const std::string& path);
 
