@@ -46,6 +46,7 @@ enum class Kind : std::uint16_t {
     kVerifyQuick = 57,     ///< Text -> Number, see Soundness
     kVerifyWhole = 58,     ///< Text -> Verdict; sends kProgress; recovers an interrupted package
     kCancel = 59,          ///< Nothing -> Nothing: ends a kVerifyWhole early
+    kDrawFit = 60,         ///< TwoPaths -> Nothing: draws one picture into another
 };
 
 struct Nothing {
@@ -177,6 +178,16 @@ struct PackageFiles {
         visit(cursorImage);
         visit(photo);
         visit(indexText);
+    }
+};
+
+struct TwoPaths {
+    std::string target;
+    std::string source;
+    template <typename V>
+    void Fields(V& visit) {
+        visit(target);
+        visit(source);
     }
 };
 

@@ -12,6 +12,7 @@
 #include "media/capture/Clock.h"
 #include "media/capture/Screen.h"
 #include "media/capture/SoundSources.h"
+#include "media/convert/DrawFit.h"
 #include "media/package/Package.h"
 
 namespace kestrum::media {
@@ -124,6 +125,7 @@ void WorkerServer::AddPackageHandlers() {
         Kind::kExtract, [](const auto& files) { return Number{ExtractStored(files.package, ToStoredPaths(files))}; });
     On<protocol::PackageFiles>(Kind::kStore, [this](const auto& files) { return m_desk.Store(files); });
     On<Text>(Kind::kVerifyQuick, [](const Text& path) { return Number{static_cast<int>(QuickVerify(path.value))}; });
+    On<protocol::TwoPaths>(Kind::kDrawFit, [](const auto& paths) { DrawFit(paths.target, paths.source); });
     On<Nothing>(Kind::kCancel, [this](const Nothing&) { m_verify.Cancel(); });
 }
 

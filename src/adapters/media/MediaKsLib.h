@@ -1,0 +1,106 @@
+// The media library over the worker. Decides what a request of the rules is in the worker's terms, which devices have
+// which names, and what a failure of the worker looks like to a caller that knows only numbers.
+//
+// Pen, canvas, whiteboard and mixer switches are not recorded or found by this worker: they answer as a library whose
+// machine has none of them.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "adapters/media/WorkerLink.h"
+#include "host/IKsLib.h"
+
+namespace kestrum::adapters {
+
+class MediaKsLib : public host::IKsLib {
+  public:
+    /// `worker` outlives this object.
+    explicit MediaKsLib(WorkerLink& worker);
+
+    std::int32_t ksResetAVDevice() override;
+    std::int32_t EncoderState() override;
+    std::int16_t EncoderSetFilename(const String& package, const String& projectFile, const String& indexText) override;
+    std::int16_t SetCaptureArea(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom) override;
+    void SetCaptureFrameRate(std::int32_t framesPerSecond) override;
+    void EncoderTransparent() override {}
+    void EnableRecSystemAudio(std::int32_t enable) override;
+    void EncoderInitDevice() override;
+    std::int32_t EncoderQueryDevice() override;
+    void EncoderCloseDevice() override;
+    std::int16_t EncoderStart(std::int32_t mode) override;
+    void EncoderStop(std::int32_t timeout) override;
+    std::int32_t AddKeyFrame() override;
+    bool WriteIndexJournal(const String& journal) override;
+    void SetVolumeMeter(std::function<void(std::int32_t)> onLevel) override;
+    bool IsPictureUniform(const host::Rect& area) override;
+
+    void StartDraw() override {}
+    void EndDraw() override {}
+    void CreateCanvas() override {}
+    void DeleteCanvas() override {}
+    std::int32_t CanvasEnabled() override { return 0; }
+    void CreateWhiteboard() override {}
+    void DeleteWhiteboard() override {}
+    std::int32_t WhiteboardEnabled() override { return 0; }
+    void SetPenAttr(std::int32_t, std::int32_t) override {}
+
+    std::int32_t ksQueryVideoDevice(String& devices) override;
+    std::int32_t ksQueryAudioDevice(String& devices) override;
+    std::int32_t ksSetVideoDevice(const String& name) override;
+    std::int32_t ksSetAudioDevice(const String& name) override;
+    std::int32_t CheckAVDevice(std::uint64_t window, std::int32_t width, std::int32_t height,
+                               const String& videoDevice) override;
+    void CloseAVDevice() override;
+    String CreateAudioMixer() override { return {}; }
+    void DeleteAudioMixer() override {}
+    std::int32_t GetVolumeScale() override { return -1; }
+    std::int32_t SetVolumeScale(std::int32_t) override { return 0; }
+    std::int32_t MixerGet(std::int32_t) override { return 0; }
+    void MixerSet(std::int32_t, std::int32_t) override {}
+    std::int32_t GetAudioVolume() override { return m_worker.LastLevel(); }
+
+    std::int32_t GetLength(const String& package) override;
+    std::int32_t GetFileHeaderDim(const String& package, std::int32_t& width, std::int32_t& height) override;
+    std::int32_t GetKeyframeDim(const String& package, std::int32_t& width, std::int32_t& height) override;
+    std::int32_t IsEmptyProject(const String& package) override;
+    std::int32_t GetExtendDataFromProject(const String& package, const host::StoredFiles& targets) override;
+    std::int32_t SetExtendDataInProject(const String& package, const host::StoredFiles& sources) override;
+    std::int32_t GetECTState(const String& package) override;
+    std::int32_t verifyKsFile(const String& package) override;
+    std::int32_t verifyWholeKsFile(const String& package) override;
+    String LastRecovery() override { return m_lastRecovery; }
+    std::int32_t GetFileFormatVersion(const String& package) override;
+    std::int32_t ListIndex(const String& package, const String& textFile) override;
+    std::int32_t GetVideoAttribute(const String& package) override;
+    std::int32_t GetAudioBitrate(const String& package) override;
+    std::int32_t GetOptimizeLevel(const String&) override { return 0; }
+    std::int32_t DrawImageToFit(const String& target, const String& source) override;
+
+  private:
+    std::int32_t AskNumber(wire::Kind kind, const String& package, std::int32_t fallback);
+    bool OpenDevices();
+    std::vector<std::string> ChosenSources();
+    void NoteRecovery(const wire::Recovery& recovery);
+
+    WorkerLink& m_worker;
+    String m_lastRecovery;
+
+    // What outlives a job, as the state of a library in the own process would.
+    bool m_recordSystemSound = false;
+    std::int32_t m_framesPerSecond = 10;
+    wire::Probe m_area;
+    std::string m_microphone;  ///< as the sound server knows it
+    bool m_sendLevels = false;
+
+    // The job.
+    wire::PackageFiles m_files;
+    bool m_devicesOpen = false;
+    bool m_isRecording = false;
+    std::int32_t m_recordingGeneration = 0;
+    std::int32_t m_stateAtEnd = 0;  ///< state told while nothing is recorded
+};
+
+}  // namespace kestrum::adapters
