@@ -288,8 +288,4 @@ std::int32_t MediaKsLib::DrawImageToFit(const String& target, const String& sour
     return m_worker.Ask<Nothing>(Kind::kDrawFit, paths) ? 0 : -1;
 }
 
-std::int32_t MediaRecSystemAudio::CanRecordSystemAudio() {
-    return FindSystemSound(m_worker) ? 1 : 0;
-}
-
 }  // namespace kestrum::adapters
