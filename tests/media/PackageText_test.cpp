@@ -78,6 +78,16 @@ TEST(PackageProject, LineBreaksInTexts_StayAsTheyAre) {
     EXPECT_NE(AsText(merged->projectFile).find("<index duration=\"00:01\"/>"), std::string::npos);
 }
 
+TEST(PackageProject, ParagraphsOfATitle_SurviveARecovery) {
+    const std::string text =
+        "<r ver=\"8\"><project><index "
+        "duration=\"\"><item><title>a&#13;b</title><pos>0</pos></item></index></project></r>";
+    const auto added = AddToIndex(AsBytes(text), ParseJournal("500\td\tc\\rd\t\n"), 1000);
+    ASSERT_TRUE(added);
+    EXPECT_NE(AsText(added->projectFile).find("<title>a&#13;b</title>"), std::string::npos);
+    EXPECT_NE(AsText(added->projectFile).find("<title>c&#13;d</title>"), std::string::npos);
+}
+
 TEST(PackageProject, FileWithoutAnIndex_GetsOne) {
     const auto merged = ReplaceIndex(AsBytes("<r ver=\"8\"><project/></r>"), ParseJournal("0\td\tt\t\n"), 1000);
     ASSERT_TRUE(merged);

@@ -43,9 +43,10 @@ std::optional<std::int64_t> ParseNumber(std::string_view text) {
     return number;
 }
 
-/// Control characters are no legal XML, and a title needs none.
+/// Control characters are no legal XML, and a title needs none but the CR between its paragraphs.
 std::string WithoutControls(std::string text) {
-    text.erase(std::remove_if(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }),
+    text.erase(std::remove_if(text.begin(), text.end(),
+                              [](char c) { return static_cast<unsigned char>(c) < ' ' && c != '\r'; }),
                text.end());
     return text;
 }
@@ -66,13 +67,18 @@ std::vector<JournalEntry> Recorded(const std::vector<JournalEntry>& journal, std
     return recorded;
 }
 
-/// Serialised as the project file is always written: a line break between tags that touch, nothing else.
+/// Serialised as the project file is always written: a line break between tags that touch, nothing else. A CR by itself
+/// separates the paragraphs of a title; it becomes a reference, since readers turn a plain one into LF.
 Bytes Serialise(const pugi::xml_document& document) {
     std::ostringstream stream;
     document.save(stream, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
     const std::string text = stream.str();
     Bytes bytes;
     for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\r' && (i + 1 == text.size() || text[i + 1] != '\n')) {
+            for (const char c : std::string_view("&#13;")) bytes.push_back(static_cast<std::uint8_t>(c));
+            continue;
+        }
         bytes.push_back(static_cast<std::uint8_t>(text[i]));
         if (text[i] != '>' || i + 1 == text.size() || text[i + 1] != '<') continue;
         bytes.push_back('\r');
