@@ -6,7 +6,6 @@
 #include "adapters/sim/World.h"
 #include "display/Context.h"
 #include "display/modRegion.h"
-#include "ui/HeadlessPresenter.h"
 
 namespace kestrum::test {
 
@@ -34,9 +33,8 @@ struct DisplayWorld {
     }
 
     sim::World world;
-    ui::HeadlessPresenter presenter{world.loop};
     support::State support;
-    ui::Forms forms{presenter, world.loop};
+    ui::Forms forms{world.presenter, world.loop};
     support::Context base{world.host(), forms, support};
     project::State project{base};
     display::State display;

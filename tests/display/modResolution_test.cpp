@@ -99,7 +99,7 @@ class LargeCapSizeTest : public ResolutionTest {
 };
 
 TEST_F(LargeCapSizeTest, Continue_KeepsTheCurrentSize) {
-    w.presenter.Click(u"frmLargeCapSize", u"cmdContinue");
+    w.world.presenter.Click(u"frmLargeCapSize", u"cmdContinue");
     EXPECT_TRUE(modResolution::OfferLowerResolution(w.c));
     EXPECT_EQ(w.InForce(), (Size{1920, 1080}));
     EXPECT_FALSE(w.forms.IsFormLoaded(u"frmLargeCapSize"));
@@ -107,7 +107,7 @@ TEST_F(LargeCapSizeTest, Continue_KeepsTheCurrentSize) {
 
 TEST_F(LargeCapSizeTest, PickingAnOption_AppliesItAtOnceAndContinueKeepsIt) {
     Size picked, back;
-    w.presenter.Click(u"frmLargeCapSize", u"optRcmdRes")
+    w.world.presenter.Click(u"frmLargeCapSize", u"optRcmdRes")
         .Do(u"frmLargeCapSize", u"look", [&](ui::Form&) { picked = w.InForce(); })
         .Click(u"frmLargeCapSize", u"optCurrRes")
         .Do(u"frmLargeCapSize", u"look", [&](ui::Form&) { back = w.InForce(); })
@@ -120,28 +120,28 @@ TEST_F(LargeCapSizeTest, PickingAnOption_AppliesItAtOnceAndContinueKeepsIt) {
 }
 
 TEST_F(LargeCapSizeTest, Cancel_AfterAChange_RestoresTheEntrySize) {
-    w.presenter.Click(u"frmLargeCapSize", u"optRcmdRes").Click(u"frmLargeCapSize", u"cmdCancel");
+    w.world.presenter.Click(u"frmLargeCapSize", u"optRcmdRes").Click(u"frmLargeCapSize", u"cmdCancel");
     EXPECT_FALSE(modResolution::OfferLowerResolution(w.c));
     EXPECT_EQ(w.InForce(), (Size{1920, 1080}));
 }
 
 TEST_F(LargeCapSizeTest, ClosingTheWindow_IsACancel) {
-    w.presenter.Click(u"frmLargeCapSize", u"optRcmdRes").UserCloses(u"frmLargeCapSize");
+    w.world.presenter.Click(u"frmLargeCapSize", u"optRcmdRes").UserCloses(u"frmLargeCapSize");
     EXPECT_FALSE(modResolution::OfferLowerResolution(w.c));
     EXPECT_EQ(w.InForce(), (Size{1920, 1080}));
 }
 
 TEST_F(LargeCapSizeTest, WhenTheMonitorRefuses_TheDialogGoesOn) {
     w.world.monitors.all.front().refusesChanges = true;
-    w.presenter.Click(u"frmLargeCapSize", u"optRcmdRes").Click(u"frmLargeCapSize", u"cmdContinue");
+    w.world.presenter.Click(u"frmLargeCapSize", u"optRcmdRes").Click(u"frmLargeCapSize", u"cmdContinue");
     EXPECT_TRUE(modResolution::OfferLowerResolution(w.c));
     EXPECT_EQ(w.InForce(), (Size{1920, 1080}));
 }
 
 TEST_F(LargeCapSizeTest, ASecondOffer_StartsAfresh) {
-    w.presenter.Click(u"frmLargeCapSize", u"optRcmdRes").Click(u"frmLargeCapSize", u"cmdContinue");
+    w.world.presenter.Click(u"frmLargeCapSize", u"optRcmdRes").Click(u"frmLargeCapSize", u"cmdContinue");
     ASSERT_TRUE(modResolution::OfferLowerResolution(w.c));
-    w.presenter.Click(u"frmLargeCapSize", u"cmdCancel");
+    w.world.presenter.Click(u"frmLargeCapSize", u"cmdCancel");
     EXPECT_FALSE(modResolution::OfferLowerResolution(w.c));
     EXPECT_EQ(w.InForce(), (Size{1280, 720})) << "the size at the second entry";
 }
@@ -149,7 +149,7 @@ TEST_F(LargeCapSizeTest, ASecondOffer_StartsAfresh) {
 TEST_F(LargeCapSizeTest, ShowsTheRecommendedSizeAndThePicturesOfTheLanguage) {
     w.world.fs.Put(u"/opt/kestrum/help/lang.txt", "cht traditional\r\n");
     String caption, high, low;
-    w.presenter
+    w.world.presenter
         .Do(u"frmLargeCapSize", u"look",
             [&](ui::Form& form) {
                 auto& dialog = static_cast<frmLargeCapSize&>(form);
@@ -166,7 +166,7 @@ TEST_F(LargeCapSizeTest, ShowsTheRecommendedSizeAndThePicturesOfTheLanguage) {
 
 TEST_F(LargeCapSizeTest, WithoutALanguageFile_ShowsTheEnglishPictures) {
     String high;
-    w.presenter
+    w.world.presenter
         .Do(u"frmLargeCapSize", u"look",
             [&](ui::Form& form) { high = static_cast<frmLargeCapSize&>(form).picHigh.File(); })
         .Click(u"frmLargeCapSize", u"cmdCancel");
@@ -178,7 +178,7 @@ TEST_F(LargeCapSizeTest, WithoutARecommendedMode_OffersNone) {
     w.SetModes({1920, 1080}, {{1920, 1080}});
     ASSERT_TRUE(Survey());
     bool offered = true;
-    w.presenter
+    w.world.presenter
         .Do(u"frmLargeCapSize", u"look",
             [&](ui::Form& form) { offered = static_cast<frmLargeCapSize&>(form).optRcmdRes.Enabled(); })
         .Click(u"frmLargeCapSize", u"cmdContinue");
@@ -188,14 +188,14 @@ TEST_F(LargeCapSizeTest, WithoutARecommendedMode_OffersNone) {
 
 TEST_F(LargeCapSizeTest, WhenTheSizeCannotBeRead_SaysSo) {
     w.display.g_Monitor = 4711;
-    w.presenter.Click(u"frmLargeCapSize", u"cmdCancel");
+    w.world.presenter.Click(u"frmLargeCapSize", u"cmdCancel");
     modResolution::OfferLowerResolution(w.c);
     EXPECT_TRUE(
         w.world.box.WasShown(u"Kestrum cannot get monitor resolution. Please report this error to Kestrum developer."));
 }
 
 TEST_F(LargeCapSizeTest, WhenTheMonitorChangesMeanwhile_CancelBringsTheEntrySizeBack) {
-    w.presenter
+    w.world.presenter
         .Do(u"frmLargeCapSize", u"the desktop changes the mode",
             [&](ui::Form&) { w.world.monitors.ChangeMode(0, 1280, 720); })
         .Click(u"frmLargeCapSize", u"cmdCancel");
@@ -218,7 +218,7 @@ class DiffCapSizeTest : public LargeCapSizeTest {
 
 TEST_F(DiffCapSizeTest, MediaOfTheRecommendedSize_OpensTheDialog) {
     String current, original;
-    w.presenter
+    w.world.presenter
         .Do(u"frmDiffCapSize", u"look",
             [&](ui::Form& form) {
                 auto& dialog = static_cast<frmDiffCapSize&>(form);
@@ -234,7 +234,7 @@ TEST_F(DiffCapSizeTest, MediaOfTheRecommendedSize_OpensTheDialog) {
 }
 
 TEST_F(DiffCapSizeTest, MediaOfTheSlideRegionInTheRecommendedMode_OpensTheDialog) {
-    w.presenter.Click(u"frmDiffCapSize", u"optOriRes").Click(u"frmDiffCapSize", u"cmdCancel");
+    w.world.presenter.Click(u"frmDiffCapSize", u"optOriRes").Click(u"frmDiffCapSize", u"cmdCancel");
     EXPECT_FALSE(modResolution::ResolveDifferentFrameSize(w.c, {960, 720}));
     EXPECT_EQ(w.InForce(), (Size{1920, 1080}));
 }

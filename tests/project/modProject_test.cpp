@@ -99,7 +99,6 @@ class UpgradeTest : public ModProjectTest {
                                                        if (works) fs.Put(arguments.at(1), "converted");
                                                        return std::optional<std::int32_t>();
                                                    }};
-        w.world.presenter.modalActs.push_back([](ui::Form&) {});
     }
 };
 
@@ -316,7 +315,6 @@ TEST_F(ModProjectTest, Open_OfEncryptedMedia_RunsTheConverterAndGoesOn) {
                                                 w.world.ksLib.Put(arguments.at(0), converted);
                                                 return std::optional<std::int32_t>();
                                             }};
-    w.world.presenter.modalActs.push_back([](ui::Form&) {});
     EXPECT_TRUE(Open(false));
     EXPECT_EQ(w.world.processes.started.size(), 1U);
 }
@@ -327,7 +325,6 @@ TEST_F(ModProjectTest, Open_OfMediaThatStaysEncrypted_Fails) {
     w.world.ksLib.Put(ProjectWorld::kPackage, package);
     fs.Put(ProjectWorld::InInstall(u"ksECT"), "program");
     w.world.processes.programs[u"ksECT"] = {1000, 0, nullptr};
-    w.world.presenter.modalActs.push_back([](ui::Form&) {});
     EXPECT_FALSE(Open(false));
 }
 
