@@ -1,6 +1,8 @@
 // Special folders after the XDG base directories, and the user's language after the locale variables.
 #pragma once
 
+#include <string>
+
 #include "host/IShellFolders.h"
 
 namespace kestrum::platform {

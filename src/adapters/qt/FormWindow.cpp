@@ -53,7 +53,7 @@ FormWindow::FormWindow(ui::Form& form, QtEventLoop& loop) : m_form(form), m_loop
     SyncStyle();
     if (form.Style().borderless) {
         setPalette(NoticePalette());
-        setStyleSheet(QStringLiteral("QLabel { color: white; }"));
+        setStyleSheet(QStringLiteral("QLabel { color: white; font-size: 13pt; }"));
         QFont larger = font();
         larger.setPointSizeF(larger.pointSizeF() * 1.25);
         setFont(larger);
