@@ -352,6 +352,32 @@ TEST_F(PackageRecoveryTest, Describe_OfAnInterruptedPackage_ShowsItsEntriesAndCh
     EXPECT_EQ(ReadWholeFile(m_path), before);
 }
 
+TEST_F(PackageRecoveryTest, RecoveryOfDamagedPackages_EndsWholeOrSaysWhyNot) {
+    MakeBase(true);
+    Promised promised;
+    RecordDying(RecordDying(-1, 1, promised) * 2 / 3, 0.6, promised);
+    const Bytes torn = *ReadWholeFile(m_path);
+    std::mt19937 random(815);
+    int whole = 0;
+    for (int i = 0; i < 400; ++i) {
+        Bytes bytes = torn;
+        for (int flips = 0; flips < 4; ++flips) {
+            const bool head = random() % 4 == 0;
+            const std::size_t at = head ? random() % 6000 : kMediaAt + random() % (bytes.size() - kMediaAt);
+            bytes[at] = static_cast<std::uint8_t>(random());
+        }
+        WriteWholeFile(m_path, bytes);
+        try {
+            RecoverIfInterrupted(*FileStorage::Open(m_path, FileStorage::Access::kReadWrite));
+            EXPECT_FALSE(RecoverIfInterrupted(*FileStorage::Open(m_path, FileStorage::Access::kReadWrite)));
+            ++whole;
+        } catch (const Error& error) {
+            EXPECT_EQ(error.kind, ErrorKind::kDamaged) << error.what();
+        }
+    }
+    EXPECT_GT(whole, 200);
+}
+
 TEST_F(PackageRecoveryTest, WholeVerify_WhenCancelled_SaysSo) {
     MakeBase(true);
     int lastPercent = -1;
