@@ -2,8 +2,8 @@
 //
 //   node player.mjs PAGE.html EXPECTED.json OUTDIR
 //
-// EXPECTED.json: {"title": ..., "author": ..., "entries": [titles], "silent": false}; a field that is missing is not
-// compared. Writes entry-1.png ... (the frame that each entry seeks to, in the movie's size), page-1440x900.png,
+// EXPECTED.json: {"title": ..., "author": ..., "entries": [titles], "silent": false, "patience_ms": 60000}; a field that
+// is missing is not compared. Writes entry-1.png ... (the frame that each entry seeks to, in the movie's size), page-1440x900.png,
 // page-390x844.png and page-dark.png into OUTDIR. Prints a summary as JSON; on a failure one sentence a line on
 // standard error, and exit code 1.
 import { spawnSync } from 'node:child_process';
@@ -13,7 +13,6 @@ import path from 'node:path';
 import { pathToFileURL } from 'node:url';
 import { chromium } from 'playwright-core';
 
-const PATIENCE = 60000; // ms; a bound for a hang on a busy machine, not a measure of speed
 const SILENCE_DB = -50;
 const BROWSER = process.env.KESTRUM_CHROMIUM || '/usr/bin/chromium';
 const FLAGS = ['--no-sandbox', '--disable-gpu', '--no-first-run', '--disable-background-networking',
@@ -27,6 +26,7 @@ if (!outFolder) {
   process.exit(2);
 }
 const expected = JSON.parse(fs.readFileSync(expectedFile, 'utf8'));
+const PATIENCE = expected.patience_ms ?? 60000; // a bound for a hang on a busy machine, not a measure of speed
 const folder = path.dirname(path.resolve(pageFile));
 fs.mkdirSync(outFolder, { recursive: true });
 const failures = [];
@@ -59,7 +59,9 @@ async function readPage(page) {
     author: document.querySelector('#author').textContent,
     trouble: document.querySelector('#trouble').hidden ? '' : document.querySelector('#trouble').textContent,
     entries: [...document.querySelectorAll('.entry .name')].map((name) => name.textContent),
-    times: window.config.index.map((item) => Number(item.time)),
+    numbers: [...document.querySelectorAll('.entry .number')].map((number) => number.textContent),
+    indented: [...document.querySelectorAll('#entries > li')].map((row) => row.classList.contains('indented')),
+    times: (window.config?.index ?? []).map((item) => Number(item.time)),
     photo: document.querySelector('#photo').naturalWidth
   }));
 }
@@ -172,6 +174,7 @@ async function visit(page) {
   if (expected.author !== undefined) equal(seen.author, expected.author, 'author');
   if (expected.entries !== undefined) equal(seen.entries, expected.entries, 'entries');
   check(seen.photo > 0, 'the photo is not shown');
+  if (seen.trouble !== '') return seen;
   const ready = await waitUntil(page, () => document.querySelector('video').readyState >= 1, null,
     'the video does not load');
   if (!ready) return seen;
@@ -196,10 +199,10 @@ let seen = null;
 try {
   const context = await chromium.launchPersistentContext(profile,
     { executablePath: BROWSER, headless: true, args: FLAGS, viewport: { width: 1440, height: 900 }, locale: 'en-GB',
-      colorScheme: 'light', reducedMotion: 'reduce', timeout: PATIENCE });
+      colorScheme: 'light', reducedMotion: 'reduce', timeout: 120000 });
   try {
     const page = context.pages()[0] ?? await context.newPage();
-    page.setDefaultTimeout(PATIENCE);
+    page.setDefaultTimeout(60000);
     watch(page);
     seen = await visit(page);
   } finally {
