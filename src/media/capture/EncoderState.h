@@ -19,9 +19,4 @@ enum class EncoderState : std::int32_t {
     kDiskFull = 13,  ///< less than 100 MB free; media go on being written while there is room
 };
 
-/// Largest size of a package in bytes.
-constexpr std::int64_t kLargestPackage = 1'932'735'283;
-/// Free space below which a recording ends.
-constexpr std::int64_t kLeastFreeBytes = 100LL * 1024 * 1024;
-
 }  // namespace kestrum::media

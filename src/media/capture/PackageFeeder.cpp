@@ -44,8 +44,8 @@ struct Journal {
 
 class PackageFeeder::Impl {
   public:
-    Impl(std::unique_ptr<PackageWriter> writer, std::string path)
-        : m_path(std::move(path)), m_writer(std::move(writer)), m_writtenMs(m_writer->LengthMs()) {
+    Impl(std::unique_ptr<PackageWriter> writer, std::string path, RoomLimits limits)
+        : m_path(std::move(path)), m_limits(limits), m_writer(std::move(writer)), m_writtenMs(m_writer->LengthMs()) {
         m_thread = std::thread([this] { Run(); });
     }
     ~Impl() { Join(); }
@@ -199,13 +199,15 @@ class PackageFeeder::Impl {
         struct stat file {};
         struct statvfs disk {};
         const std::lock_guard lock(m_mutex);
-        if (stat(m_path.c_str(), &file) == 0 && file.st_size >= kLargestPackage) Fail(EncoderState::kLargestSize);
+        if (stat(m_path.c_str(), &file) == 0 && file.st_size >= m_limits.largestPackage)
+            Fail(EncoderState::kLargestSize);
         if (statvfs(m_path.c_str(), &disk) != 0) return;
         const auto freeBytes = static_cast<std::int64_t>(disk.f_bavail) * static_cast<std::int64_t>(disk.f_frsize);
-        if (freeBytes < kLeastFreeBytes) Fail(EncoderState::kDiskFull);
+        if (freeBytes < m_limits.leastFreeBytes) Fail(EncoderState::kDiskFull);
     }
 
     const std::string m_path;
+    const RoomLimits m_limits;
     std::mutex m_writerMutex;  ///< taken before m_mutex where both are needed
     std::unique_ptr<PackageWriter> m_writer;
     std::int64_t m_lastVideoMs = -1;
@@ -225,8 +227,8 @@ class PackageFeeder::Impl {
     std::thread m_thread;
 };
 
-PackageFeeder::PackageFeeder(std::unique_ptr<PackageWriter> writer, std::string path)
-    : m_impl(std::make_unique<Impl>(std::move(writer), std::move(path))) {}
+PackageFeeder::PackageFeeder(std::unique_ptr<PackageWriter> writer, std::string path, RoomLimits limits)
+    : m_impl(std::make_unique<Impl>(std::move(writer), std::move(path), limits)) {}
 PackageFeeder::~PackageFeeder() = default;
 void PackageFeeder::PushVideo(std::int64_t positionMs, bool key, Bytes sample) {
     m_impl->Push({positionMs, true, key, std::move(sample)});

@@ -14,10 +14,16 @@
 
 namespace kestrum::media {
 
+/// How much room a recording may take; beyond either the state says so.
+struct RoomLimits {
+    std::int64_t largestPackage = 1'932'735'283;        ///< bytes
+    std::int64_t leastFreeBytes = 100LL * 1024 * 1024;  ///< on the disk
+};
+
 class PackageFeeder {
   public:
     /// `writer` is ready for samples; `path` is its file, whose disk is watched.
-    PackageFeeder(std::unique_ptr<PackageWriter> writer, std::string path);
+    PackageFeeder(std::unique_ptr<PackageWriter> writer, std::string path, RoomLimits limits);
     /// Leaves the package as after the last flush if Finish was not called.
     ~PackageFeeder();
     PackageFeeder(const PackageFeeder&) = delete;

@@ -159,7 +159,7 @@ class Recorder::Impl {
 
     void Begin(std::unique_ptr<PackageWriter> writer, const std::string& package) {
         const std::int64_t startMs = writer->StartMs();
-        m_feeder = std::make_unique<PackageFeeder>(std::move(writer), package);
+        m_feeder = std::make_unique<PackageFeeder>(std::move(writer), package, RoomLimits{});
         const std::int64_t startNs = MonotonicNs();
         m_source->Refresh(true);
         m_clock = std::make_unique<PositionClock>(startMs, startNs);
