@@ -10,6 +10,10 @@
 #include <filesystem>
 
 #include "PackageSamples.h"
+#include "media/package/ClusterFormat.h"
+#include "media/package/Layout.h"
+#include "media/package/MediaScan.h"
+#include "media/package/PackageMap.h"
 
 namespace kestrum::media {
 namespace {
@@ -179,6 +183,24 @@ TEST_F(PackageWriterTest, BigPictures_AreWrittenWithoutAFlush) {
     writer->Close(0);
     EXPECT_EQ(WholeVerify(m_path, nullptr, nullptr).soundness, Soundness::kSound);
     EXPECT_EQ(KeyFrames(m_path).size(), 40u);
+}
+
+TEST_F(PackageWriterTest, HeadersThatAreWrittenAgain_LieWithinOneSector) {
+    const auto writer = PackageWriter::Open(m_path);
+    writer->SetTracks(ShortLecture().tracks);
+    for (std::size_t i = 0; i < 600; ++i) writer->WriteVideo(static_cast<std::int64_t>(i), true, Bytes(i, 7));
+    writer->StoreFiles({{kPhotoName, Bytes(2 << 20, 5)}});
+    writer->Close(0);
+    const auto storage = FileStorage::Open(m_path, FileStorage::Access::kRead);
+    const PackageMap map = ReadMap(*storage);
+    const auto expectInSector = [](std::uint64_t position, std::uint64_t size) {
+        EXPECT_EQ(position / kSectorSize, (position + size - 1) / kSectorSize) << position;
+    };
+    const MediaScan scan = ScanMedia(*storage, kMediaAt, 21, Damage::kStop);
+    ASSERT_EQ(scan.cues.size(), 600u);
+    for (const CueEntry& cue : scan.cues) expectInSector(cue.cluster, kClusterCheckedAt);
+    expectInSector(map.head.attachments, ebml::kLongHeaderSize);
+    expectInSector(map.cues->position, ebml::kLongVoidHeaderSize);
 }
 
 TEST_F(PackageWriterTest, Close_MergesTheJournalIntoTheStoredProject) {
