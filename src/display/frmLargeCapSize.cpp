@@ -43,7 +43,7 @@ void frmLargeCapSize::OnLoad() {
     m_choice.Enter();
     const modRegion::Size recommended = m_choice.RecommendedSize();
     optRcmdRes.SetCaption(modGlobal::Replace(optRcmdRes.Caption(), u"%s", display::SizeText(recommended)));
-    optRcmdRes.SetEnabled(recommended != modRegion::Size{});
+    optRcmdRes.SetVisible(recommended != modRegion::Size{});
     ShowPictures();
 }
 

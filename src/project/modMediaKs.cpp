@@ -160,16 +160,7 @@ bool VerifyMedia(const project::Context& c, const String& media, bool whole, boo
                                              : Res(c, u"msgVerifyProjectErr", u"Verify project error!"));
         return false;
     }
-    if (failedRecording) TellRecovery(c);
     return true;
-}
-
-void TellRecovery(const support::Context& c) {
-    const String recovered = c.host.ksLib.LastRecovery();
-    if (recovered.empty()) return;
-    modMsgBox::MsgBox(
-        c, Res(c, u"msgRecovered", u"The last recording was interrupted. What was recorded has been recovered.") +
-               u"\r\n" + recovered);
 }
 
 bool IsKsFmtCompatible(const project::Context& c, const String& media) {

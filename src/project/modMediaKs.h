@@ -8,12 +8,9 @@
 
 namespace kestrum::modMediaKs {
 
-/// Checks the media's structure under a status window; `whole` may take minutes. With `failedRecording` an interrupted
-/// recording is recovered and the user told what came back. False after telling why. Re-enters.
+/// Checks the media's structure under a status window; `whole` may take minutes and recovers an interrupted recording.
+/// `failedRecording` chooses the texts. False after telling why. Re-enters.
 bool VerifyMedia(const project::Context& c, const String& media, bool whole, bool failedRecording);
-
-/// Tells what the media library's last recovery brought back, if there was one. Re-enters.
-void TellRecovery(const support::Context& c);
 
 /// True for media of generation 8.0, or the version 127.255 that marks no generation. False after telling so.
 bool IsKsFmtCompatible(const project::Context& c, const String& media);

@@ -61,12 +61,8 @@ bool UnpackFailedRecording(const project::Context& c) {
     return true;
 }
 
-/// A torn package without a snapshot is recovered by the library as it is read; that is told too.
 bool UnpackOrdinary(const support::Context& c) {
-    const String before = c.host.ksLib.LastRecovery();
-    if (!project::Unpack(c)) return Refuse(c, u"frmCommon", u"msgVerifyProjectErr", u"Verify project error!");
-    if (c.host.ksLib.LastRecovery() != before) modMediaKs::TellRecovery(c);
-    return true;
+    return project::Unpack(c) || Refuse(c, u"frmCommon", u"msgVerifyProjectErr", u"Verify project error!");
 }
 
 bool Unpack(const project::Context& c) {
@@ -124,10 +120,13 @@ bool CheckIndex(const project::Context& c) {
     return c.project.itemCount <= 0 || modMediaKs::VerifyIndex(c);
 }
 
-}  // namespace
+void TellRecovery(const support::Context& c, const String& recovered) {
+    const String text = modLanguage::GetResString(
+        c, u"frmCommon", u"msgRecovered", u"The last recording was interrupted. What was recorded has been recovered.");
+    modMsgBox::MsgBox(c, text + u"\r\n" + recovered);
+}
 
-bool OpenProject(const project::Context& c, bool isNew, bool& continued) {
-    continued = false;
+bool Open(const project::Context& c, bool isNew) {
     const host::ResumeNext Try{c.host.trace};
     if (!Try.If([&] { return PrepareFolders(c); })) return false;
     const String videoSize = isNew ? modConfig::GetSetting(c, u"configure", u"videoSize", u"") : String();
@@ -143,6 +142,18 @@ bool OpenProject(const project::Context& c, bool isNew, bool& continued) {
     if (!Try.If([&] { return CheckIndex(c); })) return false;
     if (!c.host.fs.FileExists(InWorkFolder(c, u"index.html"))) Try([&] { ApplyTemplateFiles(c); });
     return true;
+}
+
+}  // namespace
+
+bool OpenProject(const project::Context& c, bool isNew, bool& continued) {
+    continued = false;
+    const String before = c.host.ksLib.LastRecovery();
+    const bool opened = Open(c, isNew);
+    // Told whichever step made the library recover a torn package: the verification, or the first write to it.
+    const String recovered = c.host.ksLib.LastRecovery();
+    if (recovered != before) TellRecovery(c, recovered);
+    return opened;
 }
 
 }  // namespace kestrum::modProject

@@ -180,7 +180,7 @@ TEST_F(LargeCapSizeTest, WithoutARecommendedMode_OffersNone) {
     bool offered = true;
     w.world.presenter
         .Do(u"frmLargeCapSize", u"look",
-            [&](ui::Form& form) { offered = static_cast<frmLargeCapSize&>(form).optRcmdRes.Enabled(); })
+            [&](ui::Form& form) { offered = static_cast<frmLargeCapSize&>(form).optRcmdRes.Visible(); })
         .Click(u"frmLargeCapSize", u"cmdContinue");
     EXPECT_TRUE(modResolution::OfferLowerResolution(w.c));
     EXPECT_FALSE(offered);
