@@ -9,6 +9,10 @@ find_package(pugixml REQUIRED)
 set(KESTRUM_INSTALL_FOLDER "${PROJECT_BINARY_DIR}/install")
 
 set(KESTRUM_WARNINGS -Wall -Wextra -Werror -Wpedantic -Wshadow -Wnon-virtual-dtor)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # GCC 12 sees overlaps in std::string's own code when it optimises.
+  list(APPEND KESTRUM_WARNINGS -Wno-restrict)
+endif()
 
 # kestrum_library(NAME libs...): every .cpp below the current folder becomes part of the static library NAME, but for
 # folders with a CMakeLists.txt of their own, which are libraries of their own.
