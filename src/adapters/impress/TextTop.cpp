@@ -1,0 +1,37 @@
+#include "adapters/impress/TextTop.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace kestrum::impress {
+
+namespace {
+
+constexpr double kLineHeight = 1.2;   // of the font size, as common fonts have it
+constexpr double kNarrowWidth = 0.5;  // mean width of a Latin letter, of the font size
+
+double HeightOf(const TextParagraph& paragraph, double width) {
+    double length = 0;
+    for (const char16_t unit : paragraph.text) length += (IsWide(unit) ? 1 : kNarrowWidth) * paragraph.fontSize;
+    const double lines = width > 0 ? std::max(1.0, std::ceil(length / width)) : 1.0;
+    return lines * kLineHeight * paragraph.fontSize;
+}
+
+}  // namespace
+
+bool IsWide(char16_t unit) {
+    return (unit >= 0x1100 && unit <= 0x11FF) || (unit >= 0x2E80 && unit <= 0xD7FF) ||
+           (unit >= 0xF900 && unit <= 0xFAFF) || (unit >= 0xFF00 && unit <= 0xFF60);
+}
+
+double TextTopOf(const TextFrame& frame, const std::vector<TextParagraph>& paragraphs) {
+    if (frame.anchor == TextAnchor::Top) return frame.top + frame.insetTop;
+    const double width = frame.width - frame.insetLeft - frame.insetRight;
+    double height = 0;
+    for (const auto& paragraph : paragraphs) height += HeightOf(paragraph, width);
+    const double bottomTop = frame.top + frame.height - frame.insetBottom - height;
+    if (frame.anchor == TextAnchor::Bottom) return bottomTop;
+    return (frame.top + frame.insetTop + bottomTop) / 2;
+}
+
+}  // namespace kestrum::impress
