@@ -141,7 +141,10 @@
   }
 
   function follow() {
-    showCurrent(entryAt(video.currentTime * 1000 + NUDGE));
+    const found = entryAt(video.currentTime * 1000 + NUDGE);
+    // Of entries at one place, the one that the reader chose stays current.
+    if (found >= 0 && current >= 0 && entries[found].time === entries[current].time) return;
+    showCurrent(found);
   }
 
   function seekTo(ms) {
@@ -277,8 +280,7 @@
   applyTexts();
   if (typeof window.config !== 'object' || window.config === null) {
     byId('lecture').hidden = true;
-    byId('photo').hidden = true;
-    byId('title').textContent = '';
+    byId('head').hidden = true;
     showTrouble(texts.incomplete);
     return;
   }

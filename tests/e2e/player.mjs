@@ -114,13 +114,15 @@ async function openEntry(page, number, time) {
   fs.writeFileSync(path.join(outFolder, `entry-${number + 1}.png`), await frameOf(page));
 }
 
+/** The index follows the movie. Entries at one place cannot be told apart by it: any of them will do. */
 async function checkFollowing(page, times) {
   for (const [number, time] of times.entries()) {
-    const later = times[number + 1] ?? time + 100;
+    const later = times.slice(number + 1).find((next) => next > time) ?? time + 100;
     const middle = (time + later) / 2;
     await page.evaluate((ms) => { document.querySelector('video').currentTime = ms / 1000; }, middle);
     await waitUntil(page, (wanted) => !document.querySelector('video').seeking &&
-      document.querySelectorAll('.entry')[wanted].getAttribute('aria-current') === 'true', number,
+      [...document.querySelectorAll('.entry')].some((entry, at) => entry.getAttribute('aria-current') === 'true' &&
+        Number(window.config.index[at].time) === wanted), time,
     `at ${middle} ms another entry than ${number + 1} is current`);
   }
 }

@@ -119,6 +119,12 @@ class PlayerTest(unittest.TestCase):
         page.write_config()
         self.assertEqual(self.assert_plays(page)["indented"], [False, True, False])
 
+    def test_entries_at_one_place_can_each_be_chosen(self):
+        page = self.page()
+        page.config["index"][1]["time"] = "0"
+        page.write_config()
+        self.assert_plays(page)
+
     def test_a_silent_movie_is_noticed(self):
         page = self.page(sound="anullsrc")
         self.assert_fails(page, "the sound is silent")
