@@ -6,7 +6,7 @@
 
 namespace kestrum {
 
-CProjectFile::CProjectFile(const support::Context& c) : m_c(c) {}
+CProjectFile::CProjectFile(const support::Context& c) : m_c(c), m_document(std::make_shared<modXml::Document>()) {}
 
 std::int32_t CProjectFile::duration() const {
     return CTime::GetSecond(durationText);

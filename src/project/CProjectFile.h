@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
 #include "host/String.h"
 #include "project/IndexItems.h"
@@ -87,7 +88,8 @@ class CProjectFile {
     support::Context m_c;
     /// Set by the first Load: from then on entries beyond the media's end are dropped on Save.
     bool m_dropBeyondEnd = false;
-    modXml::Document m_document;
+    /// Shared with a Load that waits for an answer: the object may be loaded or saved anew meanwhile.
+    std::shared_ptr<modXml::Document> m_document;
 };
 
 }  // namespace kestrum

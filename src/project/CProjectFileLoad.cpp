@@ -1,5 +1,6 @@
 // Reading a project file. Every statement runs under one error path: a failure asks the user whether to go on; if so,
 // the field keeps what it held, a broken entry is left out, and what was read is written back at the end.
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -29,7 +30,7 @@ class CProjectFile::Loader {
 
     bool Run(const String& file) {
         p.fileName = file;
-        p.m_document = Parsed(file);
+        p.m_document = m_document = std::make_shared<modXml::Document>(Parsed(file));
         SetDefaults();
         if (IsOtherMajorVersion()) return false;
         ReadAbstract();
@@ -72,12 +73,13 @@ class CProjectFile::Loader {
         const String text = Res(u"msgKspError") + u" " + m_c.support.currentStep + u"\r\n" + Res(u"msgKspErrorSkip");
         if (modMsgBox::MsgBox(m_c, text, host::BoxButtons::OkCancel, u"Load project.ksp") != host::BoxAnswer::Ok)
             throw Cancelled{};
+        if (p.m_document != m_document) throw Cancelled{};  // loaded or saved anew while the box was up
         m_dueForSaving = true;
     }
 
     String Res(StringView key) const { return modLanguage::GetResString(m_c, u"frmCommon", key, u""); }
 
-    modXml::Node Node(StringView path) const { return modKspXml::SelectXmlPath(p.m_document, path); }
+    modXml::Node Node(StringView path) const { return modKspXml::SelectXmlPath(*m_document, path); }
     void Read(String& field, StringView path) {
         Try([&] { field = Node(path).Text(); });
     }
@@ -118,7 +120,7 @@ class CProjectFile::Loader {
 
     bool IsOtherMajorVersion() {
         bool other = false;
-        Try([&] { p.ver = p.m_document.Root().AttributeAt(0); });
+        Try([&] { p.ver = m_document->Root().AttributeAt(0); });
         Try([&] { other = ToInt32(StringView(p.ver).substr(0, 1)) != kMajorVersion; });
         return other;
     }
@@ -245,6 +247,7 @@ class CProjectFile::Loader {
 
     CProjectFile& p;
     const support::Context& m_c;
+    std::shared_ptr<modXml::Document> m_document;
     bool m_dueForSaving = false;
     /// A failure fell into the entry being read; it is left out.
     bool m_skipItem = false;

@@ -47,7 +47,7 @@ class CProjectFile::Writer {
 
   private:
     void Step(StringView label) const { m_c.support.currentStep = label; }
-    modXml::Node Node(StringView path) const { return modKspXml::SelectXmlPath(p.m_document, path); }
+    modXml::Node Node(StringView path) const { return modKspXml::SelectXmlPath(*p.m_document, path); }
     void Write(StringView path, const String& text) const { Node(path).SetText(text); }
     void WriteStripped(StringView path, const String& text) const { Write(path, modGlobal::StripControlChars(text)); }
 
@@ -153,13 +153,13 @@ class CProjectFile::Writer {
 
     void StoreDocument(const String& file, bool reduced) {
         Step(u"prepare xmlBuf");
-        std::string bytes = modKspXml::BreakLines(p.m_document.Bytes());
+        std::string bytes = modKspXml::BreakLines(p.m_document->Bytes());
         if (reduced) {
             RemoveAllOf(bytes, "<project>");
             RemoveAllOf(bytes, "</project>");
         }
         Step(u"LoadXML xmlBuf");
-        p.m_document = modXml::Document::ParseBytes(bytes);
+        p.m_document = std::make_shared<modXml::Document>(modXml::Document::ParseBytes(bytes));
         Step(u"Save FileName");
         m_c.host.fs.WriteFile(file + u".tmp", bytes);
         ReplaceByTmp(file);

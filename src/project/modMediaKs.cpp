@@ -47,9 +47,10 @@ struct Version {
     std::int32_t minor = 0;
 };
 
-/// The major number is rounded, so that a minor one of 128 or more lifts it.
+/// The major number is rounded: a minor one of 128 or more lifts it by one.
 Version Split(std::int32_t value) {
-    return {ToInt32(static_cast<double>(value) / kMinorsPerMajor), value % kMinorsPerMajor};
+    const std::int32_t minor = value % kMinorsPerMajor;
+    return {value / kMinorsPerMajor + (minor >= kMinorsPerMajor / 2 ? 1 : 0), minor};
 }
 
 bool IsCompatible(std::int32_t value) {

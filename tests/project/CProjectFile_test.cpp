@@ -122,6 +122,14 @@ TEST_F(CProjectFileTest, Load_WithADecreasingPosition_IsFalseOnCancelAndTheFileS
     EXPECT_EQ(File(), text);
 }
 
+TEST_F(CProjectFileTest, Load_WhenAnotherLoadComesWhileItAsks_GivesWay) {
+    fs.Put(ProjectWorld::InWork(u"other.ksp"), ProjectText(Item("other", "0")));
+    box.AnswerAfter(1000, BoxAnswer::Ok, [&] { EXPECT_TRUE(ksp.Load(ProjectWorld::InWork(u"other.ksp"))); });
+    EXPECT_FALSE(w.Load(ProjectText(Item("1", "5000") + Item("2", "3000") + Item("3", "6000"))));
+    EXPECT_EQ(w.Titles(), Texts{u"other"});
+    EXPECT_EQ(ksp.fileName, ProjectWorld::InWork(u"other.ksp"));
+}
+
 TEST_F(CProjectFileTest, Load_WithABrokenPosition_LeavesThatItemOut) {
     box.Answer(BoxAnswer::Ok);
     ASSERT_TRUE(w.Load(ProjectText(Item("1", "0") + Item("2", "soon") + Item("3", "3000"))));

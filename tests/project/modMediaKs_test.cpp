@@ -83,7 +83,7 @@ TEST_F(ModMediaKsTest, Format_OfAnyOther_IsRejectedWithItsNumber) {
     const auto text = [](const String& number) {
         return u"Incompatible file format version (" + number + u")! Please upgrade your Kestrum.";
     };
-    EXPECT_EQ(w.Boxes(), (Texts{text(u"8.1"), text(u"7.0"), text(u"8.128"), text(u"0.0")}));
+    EXPECT_EQ(w.Boxes(), (Texts{text(u"8.1"), text(u"7.0"), text(u"9.128"), text(u"0.0")}));
 }
 
 // --- Key frames ----------------------------------------------------------------------------------------------------
@@ -192,6 +192,14 @@ TEST_F(ModMediaKsTest, VerifyIndex_WhenTheUserDoesNotWantARepair_IsFalse) {
     box.Answer(BoxAnswer::No);
     EXPECT_FALSE(modMediaKs::VerifyIndex(w.c));
     EXPECT_TRUE(IsStored("duration=\"01:00\""));
+}
+
+TEST_F(ModMediaKsTest, VerifyIndex_WhenThePackageVanishesWhileItAsks_IsFalseAndSaysSo) {
+    SetProject(Item("one", "0"), 60001, {0});
+    box.AnswerAfter(1000, BoxAnswer::Yes, [&] { w.world.fs.Remove(ProjectWorld::kPackage); });
+    EXPECT_FALSE(modMediaKs::VerifyIndex(w.c));
+    EXPECT_EQ(w.Boxes().back(), u"File '/home/anna/talks/deck.ktr' not exist!");
+    EXPECT_FALSE(w.world.fs.FileExists(ProjectWorld::kPackage));
 }
 
 TEST_F(ModMediaKsTest, VerifyIndex_WhenTheMediaIsDamaged_DoesNotRepair) {
