@@ -78,6 +78,10 @@ class CProjectFile {
     /// old one that cannot be deleted.
     bool Save(const String& file);
 
+    /// The last Save or SaveToXml put its whole text on disk. After one that did not, the file may be older than the
+    /// object.
+    bool WasWritten() const { return m_written; }
+
     /// Writes the reduced form for the web player. The object is finished afterwards: use an instance of its own.
     bool SaveToXml(const String& file);
 
@@ -88,6 +92,7 @@ class CProjectFile {
     support::Context m_c;
     /// Set by the first Load: from then on entries beyond the media's end are dropped on Save.
     bool m_dropBeyondEnd = false;
+    bool m_written = false;
     /// Shared with a Load that waits for an answer: the object may be loaded or saved anew meanwhile.
     std::shared_ptr<modXml::Document> m_document;
 };

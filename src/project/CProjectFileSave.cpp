@@ -32,6 +32,7 @@ class CProjectFile::Writer {
     explicit Writer(CProjectFile& project) : p(project), m_c(project.m_c) {}
 
     bool Run(const String& file, bool reduced) {
+        p.m_written = false;
         try {
             WriteAbstract();
             WriteConfigure();
@@ -39,6 +40,7 @@ class CProjectFile::Writer {
             if (!reduced) WriteScipInfo();
             WriteIndex();
             StoreDocument(file, reduced);
+            p.m_written = m_result;
         } catch (const host::Error& error) {
             modLog::ShowStepError(m_c, error.Description(), u"ksp.Save");
         }

@@ -126,6 +126,9 @@ bool LocateProject(const project::Context& c) {
 void SaveProject(const project::Context& c) {
     KeepEntriesInReach(c);
     c.project.g_Project.Save(u"");
+    // A project file that could not be written is older than what the package may hold by now: the package keeps its
+    // own.
+    if (!c.project.g_Project.WasWritten()) return;
     if (!c.support.packagePath.empty()) project::Pack(c);
 }
 
