@@ -40,9 +40,10 @@ TEST_F(SimKsLib, Recording_HasItsFirstKeyFrameAtTheOldLength_AndAppends) {
 }
 
 TEST_F(SimKsLib, Crash_LeavesATornPackageThatAWholeVerifyRecovers) {
+    world.fs.Put(u"/tmp/user/project.ksp", "<project><index duration=\"00:00\" type=\"OL\"/></project>");
     Start();
     world.loop.Sleep(5000);
-    EXPECT_TRUE(world.ksLib.WriteIndexJournal(u"0\tdate\tOne\t\n"));
+    EXPECT_TRUE(world.ksLib.WriteIndexJournal(u"0\tdate\tOne\\tand\t\n"));
     world.ksLib.Crash();
     EXPECT_EQ(world.ksLib.EncoderState(), host::encoder_state::kGone);
     EXPECT_EQ(world.ksLib.verifyKsFile(kPackage), 0);
@@ -50,7 +51,9 @@ TEST_F(SimKsLib, Crash_LeavesATornPackageThatAWholeVerifyRecovers) {
     EXPECT_NE(world.ksLib.verifyKsFile(kPackage), 0);
     EXPECT_EQ(world.ksLib.GetLength(kPackage), 5000);
     EXPECT_FALSE(world.ksLib.LastRecovery().empty());
-    EXPECT_EQ(world.ksLib.Get(kPackage)->journal, "0\tdate\tOne\t\n");
+    EXPECT_TRUE(world.ksLib.Get(kPackage)->journal.empty());
+    EXPECT_NE(world.ksLib.Get(kPackage)->stored.at("project").find("<title>One\tand</title>"), std::string::npos)
+        << world.ksLib.Get(kPackage)->stored.at("project");
 }
 
 TEST_F(SimKsLib, EmptyProject_IsOneOnlyForAWholePackageWithoutMedia) {

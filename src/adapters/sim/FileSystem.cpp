@@ -113,7 +113,6 @@ void FileSystem::Store(const String& path, const std::string& bytes, StringView 
     drive.freeBytes -= growth;
     Node& node = m_nodes[normal];
     node.bytes = bytes;
-    node.reportedExtra = 0;
     node.time = m_loop.Now();
 }
 
@@ -258,7 +257,6 @@ void FileSystem::Put(const String& path, const std::string& bytes) {
     Node& node = m_nodes[Normal(path)];
     node.folder = false;
     node.bytes = bytes;
-    node.reportedExtra = 0;
     node.time = m_loop.Now();
 }
 

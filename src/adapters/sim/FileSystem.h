@@ -48,7 +48,7 @@ class FileSystem : public host::IFileSystem {
     void Remove(const String& path);
     /// Content of a file, empty if there is none.
     std::string Bytes(const String& path) const;
-    /// A file whose reported size is larger than its content (for limits in gigabytes).
+    /// A file whose reported size is larger than its content (for limits in gigabytes); it stays so when rewritten.
     void SetReportedSize(const String& path, std::int64_t bytes);
     void SetReadOnly(const String& path, bool readOnly);
     bool IsReadOnly(const String& path) const;

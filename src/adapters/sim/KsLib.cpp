@@ -123,7 +123,7 @@ void KsLib::EncoderStop(std::int32_t timeout) {
         lastingState = host::encoder_state::kFileError;
     } else {
         m_current.torn = false;
-        m_current.journal.clear();
+        if (!m_current.journal.empty()) m_current.MergeJournal();
     }
     Flush();
 }

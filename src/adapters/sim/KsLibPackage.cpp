@@ -66,6 +66,10 @@ std::int32_t KsLib::SetExtendDataInProject(const String& package, const host::St
     auto read = Read(package);
     if (!read && m_fs.FileExists(package)) return -1;
     Package changed = read.value_or(Package());
+    if (changed.torn && !m_running) {
+        changed.torn = false;  // any write to a torn package recovers it first
+        if (!changed.journal.empty()) changed.MergeJournal();
+    }
     const std::pair<const char*, String> given[] = {{"project", sources.projectFile},
                                                     {"cursor", sources.cursorImage},
                                                     {"photo", sources.photo},
@@ -105,6 +109,7 @@ std::int32_t KsLib::verifyWholeKsFile(const String& package) {
     if (Fails(u"verifyWholeKsFile") || !read || read->damaged) return 0;
     if (read->torn) {
         read->torn = false;
+        if (!read->journal.empty()) read->MergeJournal();
         m_fs.Put(package, read->ToBytes());
         m_lastRecovery = u"Recovered " + host::FromUtf8(std::to_string(read->lengthMs)) + u" ms.";
     }

@@ -10,11 +10,23 @@ void MessageBox::AnswerAfter(std::int64_t ms, host::BoxAnswer answer, std::funct
     m_answers.push_back(Planned{ms, answer, std::move(meanwhile)});
 }
 
+host::BoxAnswer MessageBox::Affirmative(host::BoxButtons buttons) {
+    switch (buttons) {
+        case host::BoxButtons::YesNo:
+        case host::BoxButtons::YesNoCancel:
+            return host::BoxAnswer::Yes;
+        case host::BoxButtons::RetryCancel:
+            return host::BoxAnswer::Cancel;
+        default:
+            return host::BoxAnswer::Ok;
+    }
+}
+
 host::BoxAnswer MessageBox::Show(const String& text, host::BoxButtons buttons, const String& title) {
     m_shown.push_back(ShownBox{text, buttons, title});
     m_transcript.Add(u"box " + text);
     if (m_answers.empty()) {
-        if (buttons == host::BoxButtons::Ok) return host::BoxAnswer::Ok;
+        if (buttons == host::BoxButtons::Ok || m_answersAll) return Affirmative(buttons);
         throw Failure("no answer was planned for the message box: " + host::ToUtf8(text));
     }
     Planned planned = std::move(m_answers.front());

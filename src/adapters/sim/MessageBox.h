@@ -30,6 +30,9 @@ class MessageBox : public host::IMessageBox {
     /// The next box stays open for `ms`, events run, then `meanwhile` happens, then it gets the answer.
     void AnswerAfter(std::int64_t ms, host::BoxAnswer answer, std::function<void()> meanwhile);
 
+    /// Every box without a planned answer gets its affirmative one: OK, Yes, Cancel for Retry.
+    void AnswerAll() { m_answersAll = true; }
+
     const std::vector<ShownBox>& Shown() const { return m_shown; }
     /// True if a box with exactly this text was shown.
     bool WasShown(const String& text) const;
@@ -43,6 +46,9 @@ class MessageBox : public host::IMessageBox {
     };
     EventLoop& m_loop;
     Transcript& m_transcript;
+    static host::BoxAnswer Affirmative(host::BoxButtons buttons);
+
+    bool m_answersAll = false;
     std::deque<Planned> m_answers;
     std::vector<ShownBox> m_shown;
 };

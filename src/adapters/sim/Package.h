@@ -17,7 +17,7 @@ struct Package {
     std::vector<std::int32_t> keyFrames;
     /// "project", "cursor", "photo", "index"; one that is missing was stored as absent.
     std::map<std::string, std::string> stored;
-    /// UTF-8 of the journal text.
+    /// UTF-8 of the journal text; kept until it is merged.
     std::string journal;
     /// A recording into it was never finished.
     bool torn = false;
@@ -28,6 +28,10 @@ struct Package {
     std::int32_t videoAttribute = 0;
     std::int32_t audioBitrate = 32;
     std::int32_t optimizeLevel = 0;
+
+    /// Adds the journal's entries that the stored project file lacks to it and forgets the journal, as the library does
+    /// when a recording ends or is recovered.
+    void MergeJournal();
 
     std::string ToBytes() const;
     /// None for bytes that are no package of ours.
