@@ -24,6 +24,7 @@ frmViewer::frmViewer(const recording::Context& c) : Form(c.forms, u"frmViewer"),
 }
 
 frmViewer::~frmViewer() {
+    Discard();
     m_subscription.reset();
     m_c.host.ksLib.SetVolumeMeter({});
     m_c.recording.viewer = nullptr;
@@ -31,6 +32,7 @@ frmViewer::~frmViewer() {
 
 void frmViewer::SetPptApp(host::IApplication& application) {
     PptApp = &application;
+    m_subscription.reset();  // never two at once: each event would come twice
     m_subscription = application.Subscribe(*this);
 }
 

@@ -62,8 +62,10 @@ bool IsRecordingLive(const recording::Context& c) {
 }
 
 bool IsForeignRecording(const recording::Context& c, const String& fullName) {
-    return IsRecordingLive(c) &&
-           modGlobal::PackagePathOf(fullName) != modConfig::GetSetting(c, kPowerPointToken, u"project", u"");
+    const String package = modGlobal::PackagePathOf(fullName);
+    // Our own is known without asking a store that may not answer: its end must never be taken for another's.
+    if (c.recording.g_Recording && package == c.support.packagePath) return false;
+    return IsRecordingLive(c) && package != modConfig::GetSetting(c, kPowerPointToken, u"project", u"");
 }
 
 std::optional<host::WindowHandle> FindRecorderWindow(const recording::Context& c) {
