@@ -1,0 +1,49 @@
+// The volume dialogs with every call of the library and the settings failing in turn: no failure leaves a handler, and
+// both dialogs close.
+#include "DevicesWorld.h"
+#include "devices/frmVolMsg.h"
+#include "devices/frmVolSetting.h"
+
+namespace kestrum {
+namespace {
+
+struct Scene {
+    sim::World world;
+    ui::Forms forms{world.presenter, world.loop};
+    support::State support;
+    project::State project{support::Context{world.host(), forms, support}};
+    devices::State devices;
+    devices::Context c{{{world.host(), forms, support}, project}, devices};
+};
+
+using Arm = std::function<void(sim::Faults&)>;
+
+TEST(DevicesFaultSweep, VolumeMessage_Closes) {
+    sim::FaultSweep(u"*", [](const Arm& arm) {
+        Scene run;
+        arm(run.world.faults);
+        run.forms.Get<frmVolMsg>(run.c).Show();
+        EXPECT_NO_THROW(run.world.loop.Advance(1000));
+        if (ui::Form* form = run.forms.Find(u"frmVolMsg")) {
+            EXPECT_NO_THROW(form->Click(u"chkPrompt"));
+            EXPECT_NO_THROW(form->Click(u"cmdOK"));
+        }
+        EXPECT_FALSE(run.forms.IsFormLoaded(u"frmVolMsg"));
+    });
+}
+
+TEST(DevicesFaultSweep, VolumeSetting_LetsTheRecordingStart) {
+    sim::FaultSweep(u"*", [](const Arm& arm) {
+        Scene run;
+        run.devices.g_DialogResult = 2;
+        arm(run.world.faults);
+        run.forms.Get<frmVolSetting>(run.c).Show();
+        EXPECT_NO_THROW(run.world.loop.Advance(1000));
+        EXPECT_TRUE(run.forms.Find(u"frmVolSetting")->Click(u"cmdRec"));
+        EXPECT_EQ(run.devices.g_DialogResult, 1);
+        EXPECT_FALSE(run.forms.IsFormLoaded(u"frmVolSetting"));
+    });
+}
+
+}  // namespace
+}  // namespace kestrum
