@@ -218,6 +218,90 @@ TEST_F(ConvertTest, Convert_OfAGapInTheSound_KeepsWhatFollowsInStep) {
     EXPECT_NEAR(std::atof(ends[0].c_str()), 6.0, 0.1);
 }
 
+/// Flash and beep at 3 s, as a recorder with sound of this kind leaves them.
+class ConvertSyncTest : public ConvertTest, public testing::WithParamInterface<const char*> {
+  protected:
+    std::string MakeFlashAndBeep(const std::string& audioCodec) const {
+        const auto package = File("lecture.ktr");
+        EXPECT_EQ(real::Run({"ffmpeg",
+                             "-v",
+                             "error",
+                             "-f",
+                             "lavfi",
+                             "-i",
+                             "color=black:size=320x240:rate=25:duration=3",
+                             "-f",
+                             "lavfi",
+                             "-i",
+                             "color=white:size=320x240:rate=25:duration=2",
+                             "-f",
+                             "lavfi",
+                             "-i",
+                             "sine=frequency=1000:duration=5:sample_rate=48000",
+                             "-filter_complex",
+                             "[0][1]concat[v];[2]volume=enable='lt(t,3)':volume=0[a]",
+                             "-map",
+                             "[v]",
+                             "-map",
+                             "[a]",
+                             "-c:v",
+                             "libx264",
+                             "-bf",
+                             "0",
+                             "-pix_fmt",
+                             "yuv420p",
+                             "-c:a",
+                             audioCodec,
+                             "-f",
+                             "matroska",
+                             package})
+                      .code,
+                  0);
+        return package;
+    }
+
+    /// The time behind the first `key` of a filter's metadata.
+    static double FirstTime(const std::vector<std::string>& arguments, const std::string& key) {
+        const std::string output = real::Run(arguments).output;
+        const std::size_t at = output.find(key + "=");
+        return at == std::string::npos ? -1 : std::atof(output.c_str() + at + key.size() + 1);
+    }
+
+    static double FlashAt(const std::string& movie) {
+        return FirstTime({"ffmpeg", "-v", "error", "-i", movie, "-vf", "blackdetect=d=0.5,metadata=print:file=-", "-an",
+                          "-f", "null", "-"},
+                         "lavfi.black_end");
+    }
+
+    static double BeepAt(const std::string& movie) {
+        return FirstTime({"ffmpeg", "-v", "error", "-i", movie, "-af",
+                          "silencedetect=noise=-40dB:d=0.5,ametadata=print:file=-", "-vn", "-f", "null", "-"},
+                         "lavfi.silence_end");
+    }
+
+    static void ExpectInStep(const std::string& movie) {
+        ASSERT_NEAR(FlashAt(movie), 3.0, 0.1);
+        EXPECT_NEAR(BeepAt(movie), FlashAt(movie), 0.04);
+    }
+};
+
+TEST_P(ConvertSyncTest, Convert_KeepsFlashAndBeepTogether) {
+    auto request = Request(MakeFlashAndBeep(GetParam()));
+    ExpectInStep(request.package);
+    ASSERT_EQ(ConvertToMp4(request, {}), ConvertOutcome::kFinished);
+    ExpectInStep(request.output);
+}
+
+TEST_P(ConvertSyncTest, Convert_WithAnotherSize_KeepsFlashAndBeepTogether) {
+    auto request = Request(MakeFlashAndBeep(GetParam()));
+    request.width = 240;
+    request.height = 180;
+    ASSERT_EQ(ConvertToMp4(request, {}), ConvertOutcome::kFinished);
+    ExpectInStep(request.output);
+}
+
+INSTANTIATE_TEST_SUITE_P(Sound, ConvertSyncTest, testing::Values("aac", "flac"));
+
 TEST(KeyFrameText, WritesSecondsWithSixDecimals) {
     EXPECT_EQ(KeyFrameText({0, 1300000, 61000007}), "0.000000\n1.300000\n61.000007\n");
 }

@@ -36,8 +36,10 @@ AudioCopy::AudioCopy(const AVStream& source, Mp4Output& output)
 void AudioCopy::Take(AVPacket& packet) {
     const std::int64_t given = av_rescale_q(packet.pts, m_timeBase, m_sampleBase);
     const std::int64_t tolerance = m_sampleBase.den / 200;  // 5 ms
-    const bool gap = std::llabs(given - m_next) > tolerance;
-    packet.pts = gap ? std::max(given, m_next) : m_next;
+    // The first unit may begin before 0: what an encoder needs to get going.
+    const std::int64_t expected = m_next.value_or(given);
+    const bool gap = std::llabs(given - expected) > tolerance;
+    packet.pts = gap ? std::max(given, expected) : expected;
     packet.dts = packet.pts;
     packet.duration = kAacFrame;
     m_next = packet.pts + kAacFrame;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "media/convert/Mp4Output.h"
 #include "media/convert/TrackJob.h"
@@ -33,7 +34,7 @@ class AudioCopy : public TrackJob {
     AVRational m_sampleBase;
     Mp4Output& m_output;
     AVStream& m_track;
-    std::int64_t m_next = 0;
+    std::optional<std::int64_t> m_next;  ///< where the next unit is expected
 };
 
 }  // namespace kestrum::media
