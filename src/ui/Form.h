@@ -119,7 +119,7 @@ class Form {
     void PointAt(Control* control);
     /// The keyboard goes to a control.
     bool MoveFocus(Control& control);
-    /// Enter: a text box that handles it, the focused button, else the default button.
+    /// Enter: a text box that handles it, the focused button or link, else the default button.
     bool PressEnter();
     /// Escape: the cancel button.
     bool PressEscape();

@@ -153,7 +153,9 @@ bool Form::PressEnter() {
             return true;
         }
     }
-    if (m_focus != nullptr && m_focus->Kind() == ControlKind::CommandButton) return Click(*m_focus);
+    const bool pressesFocus =
+        m_focus != nullptr && (m_focus->Kind() == ControlKind::CommandButton || m_focus->Kind() == ControlKind::Link);
+    if (pressesFocus) return Click(*m_focus);
     CommandButton* button = DefaultButton();
     return button != nullptr && Click(*button);
 }

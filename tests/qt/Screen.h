@@ -1,6 +1,10 @@
 // The display, the toolkit and the loop that the tests of one process share: Qt has one application a process, on one
-// display. Made at the first use.
+// display. Made at the first use, taken down after the last test: Qt must not outlive main.
 #pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
 
 #include "adapters/qt/QtApplication.h"
 #include "adapters/qt/QtEventLoop.h"
@@ -14,9 +18,10 @@ class Screen {
     static constexpr int kWidth = 1024, kHeight = 768;
 
     static Screen& Get() {
-        static Screen screen;
-        return screen;
+        if (!Instance()) Instance().reset(new Screen);
+        return *Instance();
     }
+    static void TakeDown() { Instance().reset(); }
 
     const std::string& Display() const { return m_server.Name(); }
 
@@ -32,6 +37,11 @@ class Screen {
     }
 
   private:
+    static std::unique_ptr<Screen>& Instance() {
+        static std::unique_ptr<Screen> screen;
+        return screen;
+    }
+
     Screen() : m_server(kWidth, kHeight), m_variable("DISPLAY", m_server.Name()), m_application(m_argc, m_argv) {}
 
     real::XvfbServer m_server;
@@ -41,5 +51,12 @@ class Screen {
     char* m_argv[2] = {m_name, nullptr};
     QtApplication m_application;
 };
+
+class ScreenEnvironment : public testing::Environment {
+  public:
+    void TearDown() override { Screen::TakeDown(); }
+};
+
+inline testing::Environment* const kScreenEnvironment = testing::AddGlobalTestEnvironment(new ScreenEnvironment);
 
 }  // namespace kestrum::qt

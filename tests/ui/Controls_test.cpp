@@ -97,6 +97,15 @@ TEST_F(ControlsTest, Toolbar_ButtonsAreNumberedFromOne) {
     EXPECT_THROW(form.Toolbar1.SetButtonCaption(0, u"x"), host::Error);
 }
 
+TEST_F(ControlsTest, Link_ThatHasTheKeyboard_IsFollowedByEnter) {
+    int followed = 0;
+    form.lLink.onClick = [&] { ++followed; };
+    form.Show();
+    EXPECT_TRUE(form.MoveFocus(form.lLink));
+    EXPECT_TRUE(form.PressEnter());
+    EXPECT_EQ(followed, 1);
+}
+
 TEST_F(ControlsTest, PointerOverAControl_RunsItsMoveHandler_OnlyWhileItShows) {
     form.lLink.onMouseMove = [&] { form.lLink.SetHot(true); };
     form.PointAt(&form.lLink);

@@ -53,10 +53,7 @@ FormWindow::FormWindow(ui::Form& form, QtEventLoop& loop) : m_form(form), m_loop
     SyncStyle();
     if (form.Style().borderless) {
         setPalette(NoticePalette());
-        setStyleSheet(QStringLiteral("QLabel { color: white; font-size: 13pt; }"));
-        QFont larger = font();
-        larger.setPointSizeF(larger.pointSizeF() * 1.25);
-        setFont(larger);
+        setStyleSheet(QStringLiteral("QLabel { color: white; font-size: 12pt; }"));
     }
     LayoutBuilder builder(
         form, *this, [this](Act act) { Post(std::move(act)); }, m_views);
@@ -113,7 +110,8 @@ void FormWindow::Sync() {
         hide();
         return;
     }
-    const int textWidth = m_form.Place().width > 0 ? m_form.Place().width - 2 * kMargin : kTextWidth;
+    const bool hasWidth = m_form.Place().width > 0 && !m_form.Style().borderless;
+    const int textWidth = hasWidth ? m_form.Place().width - 2 * kMargin : kTextWidth;
     SyncStyle();
     for (const auto& view : m_views) {
         if (m_pendingActs == 0 || !view->Control().IsFocusable()) view->Sync(textWidth);
@@ -136,11 +134,16 @@ void FormWindow::SyncStyle() {
     if (wasVisible) Appear(windowModality() != Qt::NonModal);
 }
 
-/// As large as the place asks for, and never smaller than the content.
+/// As large as the place asks for, and never smaller than the content; a window without a frame is exactly as large as
+/// asked, with what room is left around its content.
 void FormWindow::SyncSize() {
-    layout()->activate();
     const QSize asked(m_form.Place().width, m_form.Place().height);
-    const QSize size = asked.expandedTo(layout()->totalSizeHint()).expandedTo(QSize(1, 1));
+    const bool isExact = m_form.Style().borderless && !asked.isEmpty();
+    const int margin = m_views.empty() ? 0 : isExact ? kMargin / 2 : kMargin;
+    layout()->setContentsMargins(margin, isExact ? 0 : margin, margin, isExact ? 0 : margin);
+    layout()->activate();
+    const QSize content = isExact ? QSize(1, 1) : layout()->totalSizeHint();
+    const QSize size = asked.expandedTo(content).expandedTo(QSize(1, 1));
     if (size != this->size() || size != minimumSize()) setFixedSize(size);
 }
 

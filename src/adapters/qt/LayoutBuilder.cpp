@@ -64,8 +64,6 @@ QLayout* LayoutBuilder::Build() {
         AddToColumn(*root, layout, &m_window);
     }
     AddUnplaced(*root);
-    const int margin = m_views.empty() ? 0 : kMargin;
-    root->setContentsMargins(margin, margin, margin, margin);
     return root;
 }
 
@@ -96,7 +94,8 @@ QLayout* LayoutBuilder::Row(const std::vector<LayoutNode>& children, QWidget* pa
     auto* row = new QHBoxLayout;
     row->setSpacing(kSpacing);
     for (const LayoutNode& child : children) AddToRow(*row, child, parent);
-    if (!FillsItself(children)) row->addStretch(1);
+    // What fills the row may be hidden at times: the rest keeps its size then too.
+    row->addStretch(FillsItself(children) ? 0 : 1);
     return row;
 }
 

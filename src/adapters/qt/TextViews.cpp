@@ -3,6 +3,7 @@
 #include <QFontMetrics>
 #include <QLabel>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QPixmap>
 #include <algorithm>
 
@@ -63,13 +64,28 @@ class LabelView : public ControlView {
     QLabel& m_view;
 };
 
-/// Reached with the Tab key, followed with Enter or a click.
+/// A label that shows when it has the keyboard.
+class FocusLabel : public QLabel {
+  public:
+    using QLabel::QLabel;
+
+  protected:
+    void paintEvent(QPaintEvent* event) override {
+        QLabel::paintEvent(event);
+        if (!hasFocus()) return;
+        QPainter painter(this);
+        painter.setPen(QPen(palette().color(QPalette::Highlight), 1, Qt::DotLine));
+        painter.drawRect(rect().adjusted(0, 0, -1, -1));
+    }
+};
+
+/// Reached with the Tab key, followed with a click, or with Enter, which the form hands to the control in focus.
 class LinkView : public ControlView {
   public:
     LinkView(ui::Link& control, QLabel* widget, const PostAct& post)
         : ControlView(control, widget), m_model(control), m_view(*widget) {
         m_view.setTextFormat(Qt::RichText);
-        m_view.setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+        m_view.setTextInteractionFlags(Qt::LinksAccessibleByMouse);
         m_view.setFocusPolicy(Qt::StrongFocus);
         QObject::connect(&m_view, &QLabel::linkActivated, &m_view,
                          [&control, post] { post([&control](ui::Form& form) { form.Click(control); }); });
@@ -143,7 +159,7 @@ std::unique_ptr<ControlView> MakeLabelView(ui::Label& control, QWidget* parent) 
 }
 
 std::unique_ptr<ControlView> MakeLinkView(ui::Link& control, QWidget* parent, const PostAct& post) {
-    return std::make_unique<LinkView>(control, new QLabel(parent), post);
+    return std::make_unique<LinkView>(control, new FocusLabel(parent), post);
 }
 
 std::unique_ptr<ControlView> MakePictureView(ui::Picture& control, QWidget* parent, const PostAct& post) {

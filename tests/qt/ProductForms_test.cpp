@@ -1,0 +1,245 @@
+// The product's own forms on a real display, over the scripted world: what they show and how a user works them.
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTest>
+#include <filesystem>
+
+#include "adapters/qt/QtMessageBox.h"
+#include "adapters/qt/QtPresenter.h"
+#include "adapters/qt/QtText.h"
+#include "devices/frmVolMsg.h"
+#include "devices/frmVolSetting.h"
+#include "display/frmDiffCapSize.h"
+#include "display/frmLargeCapSize.h"
+#include "publish/PublishWorld.h"
+#include "qt/Screen.h"
+#include "recording/frmMask1.h"
+#include "recording/frmRecStatus.h"
+#include "recording/frmTopmost.h"
+#include "support/frmMsgBox.h"
+#include "support/frmMsgLink.h"
+#include "support/frmStatus.h"
+#include "support/modMsgBox.h"
+
+namespace kestrum::qt {
+namespace {
+
+class ProductFormsTest : public testing::Test, protected test::PublishWorld {
+  protected:
+    ProductFormsTest() {
+        world.fs.Put(InInstall(u"res.xml"), test::InstallFile("res.xml"));
+        world.monitors.SetSingle(Screen::kWidth, Screen::kHeight);
+    }
+    ~ProductFormsTest() override { EXPECT_TRUE(trace.lines.empty()); }
+
+    host::Host MakeHost() {
+        host::Host& w = world.host();
+        return {w.app,
+                loop,
+                w.fs,
+                w.monitors,
+                w.hooks,
+                w.windows,
+                w.processes,
+                w.shell,
+                w.settings,
+                w.power,
+                box,
+                qtPresenter,
+                w.ksLib,
+                w.ksOptimize,
+                w.ksHook,
+                w.fmtConvert,
+                w.recSystemAudio,
+                w.ksEditorControl,
+                w.scip2,
+                w.trace,
+                w.installFolder};
+    }
+    FormWindow& WindowOf(const ui::Form& form) { return *qtPresenter.Find(form); }
+    bool PumpUntil(const std::function<bool()>& done) { return Screen::PumpUntil(loop, done); }
+    void Settle() {
+        for (int i = 0; i < 5; ++i) loop.DoEvents();
+    }
+    template <class F>
+    F& Shown(F& form) {
+        form.Show();
+        form.Refresh();
+        Settle();
+        return form;
+    }
+    /// A picture of the window as it is on the screen.
+    void Keep(const ui::Form& form) {
+        const std::string folder = std::string(KESTRUM_BIN_DIR) + "/../screenshots";
+        std::filesystem::create_directories(folder);
+        const QString name = QString::fromStdString(folder + "/") + ToQt(form.Name()) + QStringLiteral(".png");
+        EXPECT_TRUE(WindowOf(form).grab().save(name));
+    }
+    QRect DisplayRect() const { return {0, 0, Screen::kWidth, Screen::kHeight}; }
+
+    template <class WidgetType>
+    WidgetType* WidgetWithText(const ui::Form& form, const QString& text) {
+        for (auto* widget : WindowOf(form).findChildren<WidgetType*>()) {
+            if (widget->text() == text) return widget;
+        }
+        return nullptr;
+    }
+
+    Screen& screen = Screen::Get();
+    platform::RecordingTrace trace;
+    QtEventLoop loop{trace};
+    QtPresenter qtPresenter{loop};
+    QtMessageBox box{loop, u"Kestrum for PowerPoint"};
+    host::Host realHost = MakeHost();
+    ui::Forms forms{qtPresenter, loop};
+    devices::State devices;
+    display::State display;
+    recording::State recordingState;
+    project::Context projectHere{support::Context{realHost, forms, support}, project};
+    publish::Context publishHere{projectHere, published};
+    recording::Context recordHere{projectHere, devices, display, recordingState};
+};
+
+TEST_F(ProductFormsTest, StartNotice_StandsInTheMiddle_InTheUsersLanguage) {
+    auto& notice = Shown(forms.Get<frmTopmost>(recordHere));
+    Keep(notice);
+    const QRect window = WindowOf(notice).geometry();
+    EXPECT_NEAR(window.center().x(), Screen::kWidth / 2, 1);
+    EXPECT_NEAR(window.center().y(), Screen::kHeight / 2, 1);
+    EXPECT_NE(WidgetWithText<QLabel>(notice, "Starting Slide Show ..."), nullptr);
+}
+
+TEST_F(ProductFormsTest, StartNotice_GoesByItselfAfterThreeSeconds) {
+    auto& notice = Shown(forms.Get<frmTopmost>(recordHere));
+    const std::int32_t shown = loop.TickCount();
+    EXPECT_TRUE(PumpUntil([&] { return !notice.IsLoaded(); }));
+    EXPECT_GE(loop.TickCount() - shown, 2000);
+    EXPECT_EQ(qtPresenter.Find(notice), nullptr);
+}
+
+TEST_F(ProductFormsTest, Status_ShowsEachTextCentred) {
+    auto& status = forms.Get<frmStatus>(recordHere);
+    status.ShowText(u"Please wait, checking the project ...");
+    Keep(status);
+    const int width = WindowOf(status).width();
+    EXPECT_EQ(WindowOf(status).y(), Screen::kHeight / 2 - 100);
+    status.ShowText(u"Saving ...");
+    Settle();
+    EXPECT_LT(WindowOf(status).width(), width);
+    EXPECT_NEAR(WindowOf(status).geometry().center().x(), Screen::kWidth / 2, 1);
+}
+
+TEST_F(ProductFormsTest, RecordingClock_LiesWhollyOnTheScreen_AtItsCorner) {
+    auto& clock = Shown(forms.Get<frmRecStatus>(recordHere));
+    Keep(clock);
+    const QRect window = WindowOf(clock).geometry();
+    EXPECT_EQ(window.right() + 1, Screen::kWidth - 10);
+    EXPECT_EQ(window.bottom() + 1, Screen::kHeight - 10);
+    for (const auto* label : WindowOf(clock).findChildren<QLabel*>()) {
+        EXPECT_TRUE(WindowOf(clock).rect().contains(label->geometry()));
+    }
+    EXPECT_TRUE(PumpUntil([&] { return WidgetWithText<QLabel>(clock, "REC 00:00:01") != nullptr; }));
+}
+
+TEST_F(ProductFormsTest, Mask_CoversExactlyWhatItIsGiven) {
+    auto& mask = forms.Get<frmMask1>(recordHere);
+    mask.Cover({0, 0, 17, 600});
+    mask.Refresh();
+    Settle();
+    EXPECT_EQ(WindowOf(mask).geometry(), QRect(0, 0, 17, 600));
+}
+
+TEST_F(ProductFormsTest, OurMessageBox_AnswersToTheKeyboard) {
+    const auto answer = [this](Qt::Key key, bool tick) {
+        const auto user = loop.StartTimer(u"user", 20, host::TimerReentry::Skipped, [&, done = false]() mutable {
+            auto& form = forms.Get<frmMsgBox>(recordHere);
+            if (done || !qtPresenter.Find(form) || !WindowOf(form).isActiveWindow()) return;
+            done = true;
+            if (tick) form.Click(u"chkPrompt");
+            Settle();
+            Keep(form);
+            QTest::keyClick(&WindowOf(form), key);
+        });
+        bool checked = false;
+        modMsgBox::MsgBoxRequest request;
+        request.text = u"The recording has no sound.\\nDo you want to go on? 没有声音，继续吗？";
+        request.buttons = modMsgBox::kButtonsYesNo;
+        request.showCheck = true;
+        request.topmost = true;
+        request.checkCaption = u"Don't ask again";
+        const auto result = modMsgBox::ShowMsgBox(recordHere, request, checked);
+        return std::pair(result, checked);
+    };
+    EXPECT_EQ(answer(Qt::Key_Return, true), std::pair(modMsgBox::kYes, true));
+    EXPECT_EQ(answer(Qt::Key_Escape, false), std::pair(modMsgBox::kNo, false));
+}
+
+TEST_F(ProductFormsTest, OurMessageBox_IsAsWideAsAsked_AndHasNoCloseButton) {
+    const auto user = loop.StartTimer(u"user", 20, host::TimerReentry::Skipped, [&] {
+        auto& form = forms.Get<frmMsgBox>(recordHere);
+        if (!qtPresenter.Find(form) || !WindowOf(form).isActiveWindow()) return;
+        EXPECT_EQ(WindowOf(form).width(), 400);
+        EXPECT_GE(WindowOf(form).height(), 120);
+        WindowOf(form).close();
+        Settle();
+        EXPECT_TRUE(form.IsLoaded());
+        form.Click(u"cmdOK");
+    });
+    bool checked = false;
+    modMsgBox::MsgBoxRequest request;
+    request.text = u"Short.";
+    EXPECT_EQ(modMsgBox::ShowMsgBox(recordHere, request, checked), modMsgBox::kOk);
+}
+
+TEST_F(ProductFormsTest, LinkMessage_OpensItsLinkFromTheKeyboard) {
+    const auto user = loop.StartTimer(u"user", 20, host::TimerReentry::Skipped, [&, done = false]() mutable {
+        auto& form = forms.Get<frmMsgLink>(recordHere);
+        if (done || !qtPresenter.Find(form) || !WindowOf(form).isActiveWindow()) return;
+        done = true;
+        Keep(form);
+        EXPECT_EQ(form.Focus(), &form.lLink);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        Settle();
+        QTest::keyClick(&WindowOf(form), Qt::Key_Escape);
+    });
+    modMsgBox::ShowMsgLink(recordHere, u"The lecture is on the server:", u"http://localhost/lecture/7", u"", 0, 0);
+    EXPECT_EQ(world.processes.opened, (std::vector<String>{u"http://localhost/lecture/7"}));
+}
+
+TEST_F(ProductFormsTest, Mp4Dialog_IsWorkedByTheKeyboardAlone) {
+    auto& dialog = forms.Get<frmExportMp4>(publishHere);
+    dialog.Show();
+    ASSERT_TRUE(PumpUntil([&] { return WindowOf(dialog).isActiveWindow(); }));
+    Settle();
+    Keep(dialog);
+    ASSERT_EQ(dialog.Focus(), &dialog.cmbResolution);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+    Settle();
+    EXPECT_TRUE(dialog.txtWidth.Visible());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    Settle();
+    ASSERT_EQ(dialog.Focus(), &dialog.txtWidth);
+    auto* width = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    ASSERT_NE(width, nullptr);
+    width->selectAll();
+    QTest::keyClicks(width, "800");
+    Settle();
+    EXPECT_EQ(dialog.txtWidth.Text(), u"800");
+    EXPECT_TRUE(dialog.lTip.Visible());
+    QTest::keyClick(width, Qt::Key_Tab);
+    Settle();
+    EXPECT_FALSE(dialog.lTip.Visible()) << "leaving the box accepts the value";
+    const QString name =
+        QString::fromStdString(std::string(KESTRUM_BIN_DIR) + "/../screenshots/frmExportMp4-custom.png");
+    WindowOf(dialog).grab().save(name);
+    EXPECT_TRUE(DisplayRect().contains(WindowOf(dialog).geometry()));
+    QTest::keyClick(&WindowOf(dialog), Qt::Key_Escape);
+    EXPECT_TRUE(PumpUntil([&] { return !dialog.IsLoaded(); }));
+}
+
+}  // namespace
+}  // namespace kestrum::qt
