@@ -31,6 +31,14 @@ TEST_F(SlideAdvanceTest, EachSlideStaysItsTime_ThenTheShowEnds) {
     EXPECT_TRUE(m_world.app.ShowIsRunning());
     m_world.loop.Advance(2000);
     EXPECT_FALSE(m_world.app.ShowIsRunning());
+    EXPECT_TRUE(m_advance->Finished());
+}
+
+TEST_F(SlideAdvanceTest, AShowThatSomebodyEnds_IsNotFinished) {
+    Start(sim::Deck::Titled(u"/home/anna/a.pptx", {u"One", u"Two"}), 1000);
+    m_world.app.PressEscape();
+    m_world.loop.Advance(5000);
+    EXPECT_FALSE(m_advance->Finished());
 }
 
 TEST_F(SlideAdvanceTest, HiddenSlidesArePassedOver) {

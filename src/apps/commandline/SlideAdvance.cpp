@@ -51,6 +51,7 @@ void SlideAdvance::LeaveSlide(host::ISlideShowView& view) {
     ++m_slidesLeft;
     m_nextBuild = m_slidesLeft * m_slideMs + m_slideMs / 2;
     if (view.NextSlide()) return;
+    m_finished = true;
     Stop();
     view.Exit();
 }

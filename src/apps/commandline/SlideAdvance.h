@@ -20,6 +20,8 @@ class SlideAdvance {
     /// The first slide's time begins now.
     void Begin();
     void Stop() { m_timer.reset(); }
+    /// The last slide has had its time and the show was ended after it.
+    bool Finished() const { return m_finished; }
 
   private:
     void Tick();
@@ -34,6 +36,7 @@ class SlideAdvance {
     std::int32_t m_start = 0;
     std::int32_t m_slidesLeft = 0;  ///< how many slides have had their time
     std::int32_t m_nextBuild = 0;   ///< when the next build comes in, ms after Begin
+    bool m_finished = false;
     std::unique_ptr<host::ITimer> m_timer;
 };
 

@@ -1,0 +1,58 @@
+// kestrum: the recorder's command line.
+#include <iostream>
+
+#include "apps/commandline/InfoCommand.h"
+#include "apps/kestrum/BatchProgram.h"
+#include "apps/kestrum/PublishCommand.h"
+#include "apps/kestrum/RecordCommand.h"
+#include "apps/kestrum/Signals.h"
+#include "project/modProject.h"
+
+namespace kestrum::app {
+namespace {
+
+constexpr int kFailed = 1;
+constexpr int kUsage = 2;
+
+int RunPortable(Console& console, const Request& request) {
+    BatchProgram program(console);
+    ui::Forms forms(program.Host().presenter, program.Loop());
+    support::State state;
+    const support::Context c{program.Host(), forms, state};
+    if (const auto* info = std::get_if<InfoRequest>(&request)) {
+        InfoRequest full = *info;
+        full.package = host::ToUtf8(FullPath(info->package));
+        return RunInfo(c, console, full);
+    }
+    console.Result("kestrum " + host::ToUtf8(modProject::GetProgramVersion(c)));
+    return 0;
+}
+
+int Run(Console& console, const std::vector<std::string>& arguments) {
+    const Request request = ParseCommandLine(arguments);
+    if (const auto* record = std::get_if<RecordRequest>(&request)) return RunRecord(console, *record);
+    if (const auto* publish = std::get_if<PublishRequest>(&request)) return RunPublish(console, *publish);
+    if (!std::holds_alternative<HelpRequest>(request)) return RunPortable(console, request);
+    std::cout << HelpText();
+    return 0;
+}
+
+}  // namespace
+}  // namespace kestrum::app
+
+int main(int argc, char** argv) {
+    namespace app = kestrum::app;
+    app::BlockEndSignals();
+    app::Console console;
+    try {
+        return app::Run(console, std::vector<std::string>(argv + 1, argv + argc));
+    } catch (const app::UsageError& error) {
+        console.Failure(kestrum::host::FromUtf8(error.what()));
+        return app::kUsage;
+    } catch (const kestrum::host::Error& error) {
+        console.Failure(error.Description());
+    } catch (const std::exception& error) {
+        console.Failure(kestrum::host::FromUtf8(error.what()));
+    }
+    return app::kFailed;
+}
