@@ -13,8 +13,8 @@ class LinuxProcesses : public host::IProcesses {
     [[nodiscard]] std::unique_ptr<host::IProcess> StartShell(const String& commandLine) override;
     /// Asks `xdg-open`. Waits up to half a second for its "there is none".
     bool OpenWithDesktop(const String& target) override;
-    /// The name itself: programs carry no ending here.
-    String ProgramName(const String& baseName) override { return baseName; }
+    /// The name itself: programs carry no ending here. The recorder's own is written in small letters.
+    String ProgramName(const String& baseName) override { return baseName == u"Kestrum" ? u"kestrum" : baseName; }
 };
 
 }  // namespace kestrum::platform

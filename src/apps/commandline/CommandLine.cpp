@@ -111,6 +111,7 @@ Request ParseCommandLine(const std::vector<std::string>& arguments) {
     if (command == "publish") return ParsePublish(words);
     if (command == "info") return ParseInfo(words);
     if (command == "help" || command == "--help" || command == "-h") return HelpRequest{};
+    if (command == "-regpath") return RegisterRequest{};
     if (command == "--version") return VersionRequest{};
     throw UsageError("There is no command \"" + command + "\"; kestrum help lists them.");
 }

@@ -28,10 +28,15 @@ struct InfoRequest {
     bool json = false;
 };
 
+/// `kestrum -regpath PACKAGE`: a recording tells the desktop of its package. The recent list of the settings store has
+/// it by then; this desktop keeps none of its own.
+struct RegisterRequest {};
+
 struct HelpRequest {};
 struct VersionRequest {};
 
-using Request = std::variant<RecordRequest, PublishRequest, InfoRequest, HelpRequest, VersionRequest>;
+using Request =
+    std::variant<RecordRequest, PublishRequest, InfoRequest, RegisterRequest, HelpRequest, VersionRequest>;
 
 /// The words cannot be understood; what() is the sentence for the user.
 class UsageError : public std::runtime_error {

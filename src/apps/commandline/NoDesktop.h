@@ -5,6 +5,7 @@
 #include "host/IInputHooks.h"
 #include "host/IKsHook.h"
 #include "host/IMonitors.h"
+#include "host/IPower.h"
 #include "host/IWindows.h"
 
 namespace kestrum::app {
@@ -70,6 +71,12 @@ class NoKsHook final : public host::IKsHook {
     std::int32_t InstallMessageHook(host::WindowHandle, std::int32_t) override { return 0; }
     void UnInstallMessageHook() override {}
     void EnableHotKey(std::int32_t) override {}
+};
+
+/// A batch command keeps nobody's screen awake.
+class NoPower final : public host::IPower {
+  public:
+    void SetExecutionState(std::uint32_t) override {}
 };
 
 }  // namespace kestrum::app

@@ -4,6 +4,7 @@
 #include "apps/commandline/Texts.h"
 #include "apps/commandline/Unattended.h"
 #include "apps/kestrum/BatchProgram.h"
+#include "apps/kestrum/DeadRecorder.h"
 #include "apps/kestrum/Signals.h"
 #include "project/modProject.h"
 
@@ -61,6 +62,7 @@ int RunPublish(Console& console, const PublishRequest& request) {
         program.Presenter().CancelWork();
     });
     program.Box().AnswerNo(modLanguage::GetResString(session.c, u"frmExportMp4", u"msgExportMp4Success", u""));
+    DisarmMarkerOfDeadRecorder(session.c);
     session.Connect();
     TakePackage(session.c, package);
     session.addIn.NotesButton(u"mnuMP4");

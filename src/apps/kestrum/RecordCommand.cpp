@@ -1,8 +1,12 @@
 #include "apps/kestrum/RecordCommand.h"
 
+#include "adapters/impress/ImpressOffice.h"
+#include "addin/Session.h"
+#include "apps/commandline/NoOffice.h"
 #include "apps/commandline/Preflight.h"
 #include "apps/commandline/SlideAdvance.h"
 #include "apps/commandline/Texts.h"
+#include "apps/kestrum/DeadRecorder.h"
 #include "apps/kestrum/ScreenProgram.h"
 #include "apps/kestrum/Signals.h"
 
@@ -27,7 +31,8 @@ class Recording {
     /// Presses Record and returns when no show runs any more. True if the encoder ran.
     bool Run() {
         host::IEventLoop& loop = m_session.c.host.loop;
-        const auto watch = loop.StartTimer(u"recording watch", kWatchMs, host::TimerReentry::Skipped, [this] { Watch(); });
+        const auto watch =
+            loop.StartTimer(u"recording watch", kWatchMs, host::TimerReentry::Skipped, [this] { Watch(); });
         m_session.addIn.NotesButton(u"rec");
         loop.RunUntil([this] { return IsOver(); });
         m_advance.Stop();
@@ -63,20 +68,41 @@ class Recording {
     bool m_ran = false;
 };
 
+/// All that is looked at before anything is started; throws the sentence of the first thing that is wrong.
+void CheckBefore(ScreenProgram& program, const String& deck) {
+    NoOffice office;
+    host::Host ports = program.Ports(office);
+    ui::Forms forms(ports.presenter, ports.loop);
+    support::State state;
+    const support::Context c{ports, forms, state};
+    RefuseIf(CheckDeck(c, deck));
+    RefuseIf(CheckSound(c));
+    RefuseIf(CheckPicture(c));
+}
+
+std::unique_ptr<impress::ImpressOffice> OpenOffice(ScreenProgram& program, Console& console, const String& deck,
+                                                   std::int32_t from) {
+    console.Notice(u"Impress: " + deck);
+    auto office = impress::ImpressOffice::Start({}, program.Loop(), program.Monitors());
+    office->Open(deck);
+    office->SelectSlide(from);
+    return office;
+}
+
 }  // namespace
 
 int RunRecord(Console& console, const RecordRequest& request) {
     const String deck = FullPath(request.deck);
+    const String package = modGlobal::PackagePathOf(deck);
     ScreenProgram program(console, request.advanceMs.has_value());
-    Session session(program.Host());
-    RefuseIf(CheckDeck(session.c, deck));
-    RefuseIf(CheckSound(session.c));
-    RefuseIf(CheckPicture(session.c));
+    CheckBefore(program, deck);
+    const auto office = OpenOffice(program, console, deck, request.from);
 
-    console.Notice(Sentence(session.c, u"msgOpening", u"Opening %s1 in Impress ...", {deck}));
-    impress::ImpressOffice& office = program.OpenOffice(deck, request.from);
+    host::Host ports = program.Ports(office->Application());
+    Session session(ports);
+    DisarmMarkerOfDeadRecorder(session.c);
     session.Connect();
-    Recording recording(session, office.Application(), request);
+    Recording recording(session, office->Application(), request);
     int signal = 0;
     const Signals signals(program.Loop(), [&](int number) {
         signal = number;
@@ -84,8 +110,7 @@ int RunRecord(Console& console, const RecordRequest& request) {
     });
     const bool ran = recording.Run();
     session.Disconnect();
-    const String package = modGlobal::PackagePathOf(deck);
-    if (!ran || program.Host().ksLib.GetLength(package) == 0) {
+    if (!ran || ports.ksLib.GetLength(package) == 0) {
         const String message = program.LastMessage();
         console.Failure(message.empty() ? Sentence(session.c, u"msgNotRecorded", u"Nothing was recorded.") : message);
         return signal != 0 ? 128 + signal : 1;

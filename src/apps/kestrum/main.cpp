@@ -32,6 +32,7 @@ int Run(Console& console, const std::vector<std::string>& arguments) {
     const Request request = ParseCommandLine(arguments);
     if (const auto* record = std::get_if<RecordRequest>(&request)) return RunRecord(console, *record);
     if (const auto* publish = std::get_if<PublishRequest>(&request)) return RunPublish(console, *publish);
+    if (std::holds_alternative<RegisterRequest>(request)) return 0;
     if (!std::holds_alternative<HelpRequest>(request)) return RunPortable(console, request);
     std::cout << HelpText();
     return 0;

@@ -1,0 +1,56 @@
+#include "apps/kestrum/ScreenProgram.h"
+
+#include "adapters/linux/SystemChecks.h"
+
+namespace kestrum::app {
+namespace {
+
+/// True; throws the sentence if the screen of this session cannot be recorded. Asked before the toolkit starts, which
+/// would end the process without a display.
+bool CheckScreen(bool unattended) {
+    if (const std::optional<String> sentence = platform::WhyScreenCannotBeRecorded()) {
+        throw host::Error(host::ErrorNumber::Automation, u"screen", *sentence);
+    }
+    return unattended;
+}
+
+}  // namespace
+
+ScreenProgram::ScreenProgram(Console& console, bool unattended)
+    : m_unattended(CheckScreen(unattended)),
+      m_application(m_argumentCount, m_arguments),
+      m_box(m_loop, u"Kestrum for PowerPoint"),
+      m_answers(console),
+      m_presenter(m_screen, m_loop, console) {}
+
+host::Host ScreenProgram::Ports(host::IApplication& office) {
+    host::IMessageBox& box = m_unattended ? static_cast<host::IMessageBox&>(m_answers) : m_box;
+    host::IFormPresenter& presenter = m_unattended ? static_cast<host::IFormPresenter&>(m_presenter) : m_screen;
+    return {office,
+            m_loop,
+            m_ground.fs,
+            m_monitors,
+            m_hooks,
+            m_windows,
+            m_ground.processes,
+            m_ground.shell,
+            m_ground.settings,
+            m_power,
+            box,
+            presenter,
+            m_media.ksLib,
+            m_media.ksOptimize,
+            m_ksHook,
+            m_ground.fmtConvert,
+            m_media.recSystemAudio,
+            m_ground.ksEditorControl,
+            m_ground.scip2,
+            m_ground.trace,
+            InstallFolder()};
+}
+
+const String& ScreenProgram::LastMessage() const {
+    return m_presenter.LastMessage().empty() ? m_answers.LastMessage() : m_presenter.LastMessage();
+}
+
+}  // namespace kestrum::app

@@ -1,0 +1,56 @@
+// The ports of a recording: the X desktop, forms through Qt, and whatever office is given. Unattended, boxes and forms
+// are answered; else they wait for their user.
+#pragma once
+
+#include "adapters/linux/LinuxKsHook.h"
+#include "adapters/linux/LinuxPower.h"
+#include "adapters/linux/X11Hooks.h"
+#include "adapters/linux/X11Monitors.h"
+#include "adapters/linux/X11Windows.h"
+#include "adapters/qt/QtApplication.h"
+#include "adapters/qt/QtEventLoop.h"
+#include "adapters/qt/QtMessageBox.h"
+#include "adapters/qt/QtPresenter.h"
+#include "apps/commandline/Unattended.h"
+#include "apps/kestrum/Ground.h"
+#include "apps/kestrum/MediaPorts.h"
+
+namespace kestrum::app {
+
+class ScreenProgram {
+  public:
+    /// Throws host::Error with a sentence if this session's screen cannot be recorded (Wayland, no display).
+    ScreenProgram(Console& console, bool unattended);
+
+    /// The bundle with this office.
+    host::Host Ports(host::IApplication& office);
+    qt::QtEventLoop& Loop() { return m_loop; }
+    host::IMonitors& Monitors() { return m_monitors; }
+    /// The last message that a box or a form showed when nobody was there; empty if there was none.
+    const String& LastMessage() const;
+
+  private:
+    /// The toolkit's application keeps references to these.
+    int m_argumentCount = 1;
+    char m_name[8] = "kestrum";
+    char* m_arguments[2] = {m_name, nullptr};
+
+    const bool m_unattended;
+    Ground m_ground;
+    qt::QtApplication m_application;
+    qt::QtEventLoop m_loop{m_ground.trace};
+    platform::X11Connection m_display;
+    platform::RawInput m_input{m_loop};
+    platform::X11Monitors m_monitors{m_display};
+    platform::X11Windows m_windows{m_loop, m_display};
+    platform::X11Hooks m_hooks{m_input, m_display};
+    platform::LinuxKsHook m_ksHook{m_input, m_display, m_windows, platform::LinuxKsHook::DefaultLockFile()};
+    platform::LinuxPower m_power;
+    qt::QtMessageBox m_box;
+    UnattendedBox m_answers;
+    qt::QtPresenter m_screen{m_loop};
+    UnattendedPresenter m_presenter;
+    MediaPorts m_media{m_loop, m_ground};
+};
+
+}  // namespace kestrum::app
