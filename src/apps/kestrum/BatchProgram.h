@@ -33,7 +33,7 @@ class BatchProgram {
     UnattendedBox m_box;
     NoScreen m_screen{m_loop};
     UnattendedPresenter m_presenter;
-    MediaPorts m_media{m_loop, m_ground};
+    MediaPorts m_media{m_loop};
     host::Host m_host;
 };
 

@@ -8,12 +8,16 @@
 
 namespace kestrum::app {
 
-struct MediaPorts {
-    MediaPorts(host::IEventLoop& loop, Ground& ground);
+/// Path of the worker's program.
+inline String WorkerProgram() { return InstallFolder() + u"/ksmedia"; }
 
-    adapters::MediaKsLib ksLib;
-    adapters::MediaOptimize ksOptimize;
-    adapters::MediaRecSystemAudio recSystemAudio;
+struct MediaPorts {
+    explicit MediaPorts(host::IEventLoop& loop) : worker(host::ToUtf8(WorkerProgram()), loop) {}
+
+    adapters::WorkerLink worker;
+    adapters::MediaKsLib ksLib{worker};
+    adapters::MediaOptimize ksOptimize{WorkerProgram(), ksLib};
+    adapters::MediaRecSystemAudio recSystemAudio{worker};
 };
 
 }  // namespace kestrum::app

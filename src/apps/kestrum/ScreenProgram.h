@@ -50,7 +50,7 @@ class ScreenProgram {
     UnattendedBox m_answers;
     qt::QtPresenter m_screen{m_loop};
     UnattendedPresenter m_presenter;
-    MediaPorts m_media{m_loop, m_ground};
+    MediaPorts m_media{m_loop};
 };
 
 }  // namespace kestrum::app
