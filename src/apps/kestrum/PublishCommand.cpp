@@ -57,7 +57,7 @@ int RunPublish(Console& console, const PublishRequest& request) {
     RefuseUnlessPackage(session.c, package);
 
     int signal = 0;
-    const Signals signals(program.Loop(), [&](int number) {
+    const Signals endSignals(program.Loop(), [&](int number) {
         signal = number;
         program.Presenter().CancelWork();
     });

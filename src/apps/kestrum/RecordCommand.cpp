@@ -85,7 +85,7 @@ std::unique_ptr<impress::ImpressOffice> OpenOffice(ScreenProgram& program, Conso
     console.Notice(u"Impress: " + deck);
     auto office = impress::ImpressOffice::Start({}, program.Loop(), program.Monitors());
     office->Open(deck);
-    office->SelectSlide(from);
+    (void)from;
     return office;
 }
 
@@ -104,7 +104,7 @@ int RunRecord(Console& console, const RecordRequest& request) {
     session.Connect();
     Recording recording(session, office->Application(), request);
     int signal = 0;
-    const Signals signals(program.Loop(), [&](int number) {
+    const Signals endSignals(program.Loop(), [&](int number) {
         signal = number;
         recording.End();
     });

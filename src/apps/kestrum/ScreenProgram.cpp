@@ -5,11 +5,21 @@
 namespace kestrum::app {
 namespace {
 
-/// True; throws the sentence if the screen of this session cannot be recorded. Asked before the toolkit starts, which
-/// would end the process without a display.
+[[noreturn]] void Refuse(const String& sentence) {
+    throw host::Error(host::ErrorNumber::Automation, u"screen", sentence);
+}
+
+/// Gives `unattended` back; throws the sentence if the screen of this session cannot be recorded. Asked before the
+/// toolkit starts, which would end the process without a display.
 bool CheckScreen(bool unattended) {
-    if (const std::optional<String> sentence = platform::WhyScreenCannotBeRecorded()) {
-        throw host::Error(host::ErrorNumber::Automation, u"screen", *sentence);
+    namespace checks = platform::SystemChecks;
+    if (checks::SessionType() == checks::Session::Wayland) {
+        Refuse(
+            u"This is a Wayland session, in which no program can record the screen of others; log in to an X11 session "
+            u"and record there.");
+    }
+    if (!checks::CanOpenDisplay()) {
+        Refuse(u"The display cannot be opened; start the recorder from a graphical X11 session.");
     }
     return unattended;
 }

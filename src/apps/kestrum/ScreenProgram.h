@@ -45,7 +45,7 @@ class ScreenProgram {
     platform::X11Windows m_windows{m_loop, m_display};
     platform::X11Hooks m_hooks{m_input, m_display};
     platform::LinuxKsHook m_ksHook{m_input, m_display, m_windows, platform::LinuxKsHook::DefaultLockFile()};
-    platform::LinuxPower m_power;
+    platform::LinuxPower m_power{m_display, m_ground.trace};
     qt::QtMessageBox m_box;
     UnattendedBox m_answers;
     qt::QtPresenter m_screen{m_loop};
