@@ -126,6 +126,14 @@ void TellRecovery(const support::Context& c, const String& recovered) {
     modMsgBox::MsgBox(c, text + u"\r\n" + recovered);
 }
 
+/// What there is of a recording that was cut short, but whose package could be finished all the same.
+String WhatIsThere(const project::Context& c) {
+    const String text =
+        modLanguage::GetResString(c, u"frmCommon", u"msgRecoveredWhole", u"Index entries: %s1. Length: %s2.");
+    const CProjectFile& file = c.project.g_Project;
+    return modGlobal::Replace(modGlobal::Replace(text, u"%s1", ToText(file.index.Count())), u"%s2", file.durationText);
+}
+
 bool Open(const project::Context& c, bool isNew) {
     const host::ResumeNext Try{c.host.trace};
     if (!Try.If([&] { return PrepareFolders(c); })) return false;
@@ -149,10 +157,14 @@ bool Open(const project::Context& c, bool isNew) {
 bool OpenProject(const project::Context& c, bool isNew, bool& continued) {
     continued = false;
     const String before = c.host.ksLib.LastRecovery();
+    const bool wasCutShort = !isNew && c.host.fs.FileExists(project::Snapshot(c));
     const bool opened = Open(c, isNew);
     // Told whichever step made the library recover a torn package: the verification, or the first write to it.
     const String recovered = c.host.ksLib.LastRecovery();
-    if (recovered != before) TellRecovery(c, recovered);
+    if (recovered != before)
+        TellRecovery(c, recovered);
+    else if (wasCutShort && opened)
+        TellRecovery(c, WhatIsThere(c));
     return opened;
 }
 

@@ -233,9 +233,7 @@ void frmExportMp4::SignPage() {
 void frmExportMp4::OfferPage() {
     const String page = OutputFile(u"index.html");
     m_c.publish.publishedPage = page;
-    const String question =
-        Resource(u"msgExportMp4Success", u"The lecture has been published. Do you want to watch it now?");
-    if (modMsgBox::MsgBox(m_c, question, host::BoxButtons::YesNo, u"") == host::BoxAnswer::Yes)
+    if (modMsgBox::MsgBox(m_c, modPublish::SuccessQuestion(m_c), host::BoxButtons::YesNo, u"") == host::BoxAnswer::Yes)
         modPublish::OpenPage(m_c, page);
     Unload();
 }

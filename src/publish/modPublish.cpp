@@ -2,6 +2,7 @@
 
 #include "support/Numbers.h"
 #include "support/modExec.h"
+#include "support/modLanguage.h"
 
 namespace kestrum::modPublish {
 
@@ -21,6 +22,11 @@ String StageText(const String& stage, const String& text) {
 
 std::int32_t DownToFour(std::int32_t value) {
     return value / 4 * 4;
+}
+
+String SuccessQuestion(const support::Context& c) {
+    return modLanguage::GetResString(c, u"frmExportMp4", u"msgExportMp4Success",
+                                     u"The lecture has been published. Do you want to watch it now?");
 }
 
 bool OpenPage(const support::Context& c, const String& page) {

@@ -23,6 +23,9 @@ String StageText(const String& stage, const String& text);
 /// `value` down to a multiple of 4, as the encoders want picture sides; towards zero.
 std::int32_t DownToFour(std::int32_t value);
 
+/// What is asked when a movie has been published; Yes opens the page.
+String SuccessQuestion(const support::Context& c);
+
 /// Opens a published page with the browser of the desktop. False if there is none.
 bool OpenPage(const support::Context& c, const String& page);
 

@@ -13,7 +13,7 @@ class SlideAdvanceTest : public testing::Test {
         m_world.app.Open(deck);
         m_world.app.StartShow(1);
         m_advance = std::make_unique<SlideAdvance>(m_world.app, m_world.loop, m_world.trace, slideMs);
-        m_advance->Begin();
+        m_advance->Begin(m_world.loop.TickCount());
     }
 
     sim::World m_world;

@@ -21,7 +21,7 @@ def round_of(victim, moment):
         assert found["index"][:len(seen)] == seen, (seen, found["index"])
         assert [entry["title"] for entry in found["index"]] == TITLES[:len(found["index"])]
         assert all(entry["key_frame"] for entry in found["index"]), found
-        assert run("ffmpeg", "-v", "warning", "-i", folder.package, "-f", "null", "-").stderr == ""
+        assert run("ffmpeg", "-v", "error", "-i", folder.package, "-f", "null", "-").stderr == ""
         return len(found["index"]), found["duration_ms"]
     finally:
         recording.end()

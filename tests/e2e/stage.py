@@ -42,18 +42,26 @@ def last_path(output, name):
 
 
 def thumb(picture, seconds=None):
-    """A picture, or the frame of a movie at a time, as grey values of a small image."""
-    seek = [] if seconds is None else ["-ss", f"{seconds:.3f}"]
-    result = subprocess.run(["ffmpeg", "-v", "error", *seek, "-i", str(picture), "-frames:v", "1", "-vf",
+    """A picture, or what a movie shows at a time (the last frame that began by then), as grey values of a small image."""
+    until = [] if seconds is None else ["-to", f"{seconds + 0.0005:.4f}"]
+    result = subprocess.run(["ffmpeg", "-v", "error", "-i", str(picture), *until, "-an", "-vsync", "passthrough", "-vf",
                              f"scale={THUMB[0]}:{THUMB[1]}:flags=area,format=gray", "-f", "rawvideo", "-"],
                             capture_output=True, timeout=PATIENCE, check=True)
-    assert len(result.stdout) == THUMB[0] * THUMB[1], f"no picture in {picture} at {seconds}"
-    return result.stdout
+    size = THUMB[0] * THUMB[1]
+    assert result.stdout and len(result.stdout) % size == 0, f"no picture in {picture} at {seconds}"
+    return result.stdout[-size:]
 
 
 def difference(one, other):
     """Mean difference of two thumbs, 0 to 255."""
     return sum(abs(a - b) for a, b in zip(one, other)) / len(one)
+
+
+def nearest(frame, slides, part=1.0):
+    """Index of the slide that a frame resembles most, looking at the upper part of the pictures only."""
+    size = int(THUMB[1] * part) * THUMB[0]
+    distances = [difference(frame[:size], slide[:size]) for slide in slides]
+    return distances.index(min(distances))
 
 
 def slide_thumbs(deck, folder):

@@ -16,7 +16,7 @@ int CodeAfter(int number) {
         RecordingTrace trace;
         EventLoop loop(trace);
         bool ended = false;
-        const EndSignals signals(loop, [&] { ended = true; });
+        const EndSignals signals(loop, [&](int) { ended = true; });
         kill(getpid(), number);
         loop.RunUntil([&] { return ended; });
         _exit(7);

@@ -13,9 +13,13 @@ namespace kestrum::platform {
 
 class EndSignals {
   public:
-    /// From now on SIGINT, SIGTERM and SIGHUP call `onEnd` from a pump instead of ending the process. Make it before
-    /// any thread starts, since threads inherit what is blocked. Destroying it gives the signals their meaning back.
-    EndSignals(LoopBase& loop, std::function<void()> onEnd);
+    /// Keeps the three signals waiting from now on. A program calls it before any thread starts (toolkits start some of
+    /// their own), since threads inherit what is blocked.
+    static void Hold();
+
+    /// From now on SIGINT, SIGTERM and SIGHUP call `onEnd` with their number from a pump instead of ending the process.
+    /// Destroying it makes them what they were before.
+    EndSignals(LoopBase& loop, std::function<void(int)> onEnd);
     EndSignals(const EndSignals&) = delete;
     EndSignals& operator=(const EndSignals&) = delete;
     ~EndSignals();
@@ -23,7 +27,7 @@ class EndSignals {
   private:
     void Read();
 
-    std::function<void()> m_onEnd;
+    std::function<void(int)> m_onEnd;
     sigset_t m_before{};
     Descriptor m_signals;
     std::unique_ptr<IWatch> m_watch;

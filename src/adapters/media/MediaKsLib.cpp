@@ -255,7 +255,7 @@ void MediaKsLib::NoteRecovery(const wire::Recovery& recovery) {
     constexpr std::int64_t kMsPerSecond = 1000, kSecondsPerMinute = 60;
     const std::int64_t seconds = recovery.lengthMs / kMsPerSecond;
     const std::string rest = std::to_string(seconds % kSecondsPerMinute);
-    m_lastRecovery = FromUtf8("The last recording was interrupted. Recovered: " + std::to_string(recovery.entries) +
+    m_lastRecovery = FromUtf8("Recovered: " + std::to_string(recovery.entries) +
                               (recovery.entries == 1 ? " index entry" : " index entries") + " and " +
                               std::to_string(seconds / kSecondsPerMinute) + ":" + (rest.size() < 2 ? "0" : "") + rest +
                               " minutes of media.");

@@ -35,8 +35,7 @@ struct RegisterRequest {};
 struct HelpRequest {};
 struct VersionRequest {};
 
-using Request =
-    std::variant<RecordRequest, PublishRequest, InfoRequest, RegisterRequest, HelpRequest, VersionRequest>;
+using Request = std::variant<RecordRequest, PublishRequest, InfoRequest, RegisterRequest, HelpRequest, VersionRequest>;
 
 /// The words cannot be understood; what() is the sentence for the user.
 class UsageError : public std::runtime_error {

@@ -19,8 +19,8 @@ SlideAdvance::SlideAdvance(host::IApplication& office, host::IEventLoop& loop, h
                            std::int32_t slideMs)
     : m_office(office), m_loop(loop), m_trace(trace), m_slideMs(slideMs) {}
 
-void SlideAdvance::Begin() {
-    m_start = m_loop.TickCount();
+void SlideAdvance::Begin(std::int32_t startTick) {
+    m_start = startTick;
     m_slidesLeft = 0;
     m_nextBuild = m_slideMs / 2;
     m_timer = m_loop.StartTimer(u"slide advance", kTickMs, host::TimerReentry::Skipped, [this] { Tick(); });

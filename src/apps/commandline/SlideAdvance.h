@@ -1,6 +1,6 @@
 // Gives the lecture when nobody is there: shows each slide of a running show for a fixed time, steps its builds in the
-// second half of that time, and ends the show after the last slide. Time counts from Begin, so that the slides do not
-// drift, however long a change takes.
+// second half of that time, and ends the show after the last slide. Time counts from one start, so that the slides do
+// not drift, however long a change takes.
 #pragma once
 
 #include <cstdint>
@@ -17,8 +17,8 @@ class SlideAdvance {
     /// `slideMs`: how long each slide stays.
     SlideAdvance(host::IApplication& office, host::IEventLoop& loop, host::ITrace& trace, std::int32_t slideMs);
 
-    /// The first slide's time begins now.
-    void Begin();
+    /// The first slide's time began at this tick of the loop.
+    void Begin(std::int32_t startTick);
     void Stop() { m_timer.reset(); }
     /// The last slide has had its time and the show was ended after it.
     bool Finished() const { return m_finished; }

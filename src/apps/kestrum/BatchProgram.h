@@ -15,7 +15,7 @@ class BatchProgram {
     explicit BatchProgram(Console& console);
 
     host::Host& Host() { return m_host; }
-    host::IEventLoop& Loop() { return m_loop; }
+    platform::EventLoop& Loop() { return m_loop; }
     UnattendedBox& Box() { return m_box; }
     UnattendedPresenter& Presenter() { return m_presenter; }
     /// The last message that a box or a form showed; empty if there was none.

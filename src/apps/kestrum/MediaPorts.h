@@ -9,7 +9,9 @@
 namespace kestrum::app {
 
 /// Path of the worker's program.
-inline String WorkerProgram() { return InstallFolder() + u"/ksmedia"; }
+inline String WorkerProgram() {
+    return InstallFolder() + u"/ksmedia";
+}
 
 struct MediaPorts {
     explicit MediaPorts(host::IEventLoop& loop) : worker(host::ToUtf8(WorkerProgram()), loop) {}

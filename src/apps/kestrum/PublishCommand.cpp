@@ -1,12 +1,13 @@
 #include "apps/kestrum/PublishCommand.h"
 
+#include "adapters/linux/EndSignals.h"
 #include "addin/Session.h"
 #include "apps/commandline/Texts.h"
 #include "apps/commandline/Unattended.h"
 #include "apps/kestrum/BatchProgram.h"
 #include "apps/kestrum/DeadRecorder.h"
-#include "apps/kestrum/Signals.h"
 #include "project/modProject.h"
+#include "publish/modPublish.h"
 
 namespace kestrum::app {
 namespace {
@@ -57,11 +58,11 @@ int RunPublish(Console& console, const PublishRequest& request) {
     RefuseUnlessPackage(session.c, package);
 
     int signal = 0;
-    const Signals endSignals(program.Loop(), [&](int number) {
+    const platform::EndSignals endSignals(program.Loop(), [&](int number) {
         signal = number;
         program.Presenter().CancelWork();
     });
-    program.Box().AnswerNo(modLanguage::GetResString(session.c, u"frmExportMp4", u"msgExportMp4Success", u""));
+    program.Box().AnswerNo(modPublish::SuccessQuestion(session.c));
     DisarmMarkerOfDeadRecorder(session.c);
     session.Connect();
     TakePackage(session.c, package);

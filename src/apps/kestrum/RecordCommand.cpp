@@ -1,14 +1,15 @@
 #include "apps/kestrum/RecordCommand.h"
 
 #include "adapters/impress/ImpressOffice.h"
+#include "adapters/linux/EndSignals.h"
 #include "addin/Session.h"
 #include "apps/commandline/NoOffice.h"
 #include "apps/commandline/Preflight.h"
 #include "apps/commandline/SlideAdvance.h"
 #include "apps/commandline/Texts.h"
+#include "apps/kestrum/BatchProgram.h"
 #include "apps/kestrum/DeadRecorder.h"
 #include "apps/kestrum/ScreenProgram.h"
-#include "apps/kestrum/Signals.h"
 
 namespace kestrum::app {
 namespace {
@@ -50,7 +51,7 @@ class Recording {
   private:
     void Watch() {
         const bool runs = m_session.recording.g_Recording && m_session.recording.g_EncoderPollTimer != nullptr;
-        if (runs && !m_ran && m_unattended) m_advance.Begin();
+        if (runs && !m_ran && m_unattended) m_advance.Begin(m_session.recording.g_RecordStartTick);
         m_ran = m_ran || runs;
     }
 
@@ -68,14 +69,21 @@ class Recording {
     bool m_ran = false;
 };
 
-/// All that is looked at before anything is started; throws the sentence of the first thing that is wrong.
-void CheckBefore(ScreenProgram& program, const String& deck) {
+/// What needs no screen is looked at before one is asked for. Throws the sentence of the first thing that is wrong.
+void CheckWithoutScreen(Console& console, const String& deck) {
+    BatchProgram program(console);
+    ui::Forms forms(program.Host().presenter, program.Loop());
+    support::State state;
+    RefuseIf(CheckDeck({program.Host(), forms, state}, deck));
+}
+
+/// Sound and picture of this session; throws likewise.
+void CheckWithScreen(ScreenProgram& program) {
     NoOffice office;
     host::Host ports = program.Ports(office);
     ui::Forms forms(ports.presenter, ports.loop);
     support::State state;
     const support::Context c{ports, forms, state};
-    RefuseIf(CheckDeck(c, deck));
     RefuseIf(CheckSound(c));
     RefuseIf(CheckPicture(c));
 }
@@ -85,7 +93,7 @@ std::unique_ptr<impress::ImpressOffice> OpenOffice(ScreenProgram& program, Conso
     console.Notice(u"Impress: " + deck);
     auto office = impress::ImpressOffice::Start({}, program.Loop(), program.Monitors());
     office->Open(deck);
-    (void)from;
+    office->SelectSlide(from);
     return office;
 }
 
@@ -94,8 +102,9 @@ std::unique_ptr<impress::ImpressOffice> OpenOffice(ScreenProgram& program, Conso
 int RunRecord(Console& console, const RecordRequest& request) {
     const String deck = FullPath(request.deck);
     const String package = modGlobal::PackagePathOf(deck);
+    CheckWithoutScreen(console, deck);
     ScreenProgram program(console, request.advanceMs.has_value());
-    CheckBefore(program, deck);
+    CheckWithScreen(program);
     const auto office = OpenOffice(program, console, deck, request.from);
 
     host::Host ports = program.Ports(office->Application());
@@ -104,7 +113,7 @@ int RunRecord(Console& console, const RecordRequest& request) {
     session.Connect();
     Recording recording(session, office->Application(), request);
     int signal = 0;
-    const Signals endSignals(program.Loop(), [&](int number) {
+    const platform::EndSignals endSignals(program.Loop(), [&](int number) {
         signal = number;
         recording.End();
     });

@@ -1,11 +1,11 @@
 // kestrum: the recorder's command line.
 #include <iostream>
 
+#include "adapters/linux/EndSignals.h"
 #include "apps/commandline/InfoCommand.h"
 #include "apps/kestrum/BatchProgram.h"
 #include "apps/kestrum/PublishCommand.h"
 #include "apps/kestrum/RecordCommand.h"
-#include "apps/kestrum/Signals.h"
 #include "project/modProject.h"
 
 namespace kestrum::app {
@@ -43,7 +43,7 @@ int Run(Console& console, const std::vector<std::string>& arguments) {
 
 int main(int argc, char** argv) {
     namespace app = kestrum::app;
-    app::BlockEndSignals();
+    kestrum::platform::EndSignals::Hold();
     app::Console console;
     try {
         return app::Run(console, std::vector<std::string>(argv + 1, argv + argc));
