@@ -17,6 +17,7 @@
 #include "adapters/impress/ImpressApplication.h"
 #include "adapters/impress/OfficeProcess.h"
 #include "adapters/impress/OfficeProfile.h"
+#include "adapters/impress/Selection.h"
 #include "adapters/impress/UnoText.h"
 
 namespace kestrum::impress {
@@ -149,6 +150,21 @@ void ImpressOffice::Open(const String& path) {
     m_parts->model->DispatchUntil([&] { return document->IsLoaded(); }, kLoadPatience);
     m_parts->model->Link().Call(
         u"Open", [remote = m_parts->model->Link().Remote()] { Settle(remote); }, kLoadPatience);
+}
+
+void ImpressOffice::SelectSlide(std::int32_t number) {
+    const auto document = m_parts->model->ActiveDocument();
+    m_parts->model->Link().Call(u"SelectSlide",
+                                [document, number] { SelectSlideNumber(document->Model(), document->Page(number)); });
+    // The slide pane follows from the office's own idle work.
+    const auto isSelected = [&] {
+        const auto numbers =
+            m_parts->model->Link().Call(u"SelectSlide", [document] { return SelectedSlideNumbers(document->Model()); });
+        return numbers == std::vector<std::int32_t>{number};
+    };
+    if (!m_parts->model->DispatchUntil(isSelected, kLoadPatience)) {
+        throw OfficeError(u"SelectSlide", u"The slide to begin with cannot be selected.");
+    }
 }
 
 void ImpressOffice::ExportSlidePng(std::int32_t number, const String& path, std::int32_t width, std::int32_t height) {

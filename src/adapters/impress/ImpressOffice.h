@@ -45,6 +45,9 @@ class ImpressOffice {
     /// host::Error with a sentence for a missing file, a locked one, and one that is no presentation.
     void Open(const String& path);
 
+    /// Selects slide `number` of the active presentation. Raises host::Error with a sentence if it has no such slide.
+    void SelectSlide(std::int32_t number);
+
     /// Writes slide `number` of the active presentation as a PNG picture of `width` by `height` pixels.
     void ExportSlidePng(std::int32_t number, const String& path, std::int32_t width, std::int32_t height);
 

@@ -52,4 +52,10 @@ std::vector<std::int32_t> SelectedSlideNumbers(const Reference<css::frame::XMode
     return {SlideNumber(view->getCurrentPage())};
 }
 
+void SelectSlideNumber(const Reference<css::frame::XModel>& model, const Reference<css::drawing::XDrawPage>& page) {
+    Reference<css::drawing::XDrawView> view(model->getCurrentController(), UNO_QUERY);
+    if (!view.is()) throw OfficeError(u"Selection", u"The presentation has no window.");
+    view->setCurrentPage(page);
+}
+
 }  // namespace kestrum::impress
