@@ -200,6 +200,21 @@ TEST_F(WorkerProcess, LivingRecorder_KeepsItsPackageFromOthers) {
     EXPECT_EQ(worker.Ask(Kind::kStop, Nothing{}).kind, Kind::kDone);
 }
 
+TEST_F(WorkerProcess, FailedStart_LeavesTheWorkerReadyForTheNext) {
+    Worker worker(Env());
+    Settings settings;
+    settings.picture = {m_display.Name(), 0, 0, kWidth, kHeight};
+    settings.soundSources = {PulseServer::kMicrophone};
+    ASSERT_EQ(worker.Ask(Kind::kOpen, settings).kind, Kind::kDone);
+    const Message answer = worker.Ask(Kind::kStart, PackageFiles{m_folder / "missing/lecture.ktr", {}, {}, {}, {}});
+    ASSERT_EQ(answer.kind, Kind::kFailed);
+    EXPECT_EQ(Unpack<Failure>(answer.body).part, FailedPart::kPackage);
+    EXPECT_EQ(worker.Get<State>(Kind::kState, Nothing{}).state, 0);
+    Start(worker);
+    EXPECT_GT(KeyFrame(worker), 0);
+    EXPECT_EQ(worker.Ask(Kind::kStop, Nothing{}).kind, Kind::kDone);
+}
+
 TEST_F(WorkerProcess, NonsenseRequests_AreRefusedAndTheWorkerGoesOn) {
     Worker worker(Env());
     EXPECT_EQ(worker.Ask(static_cast<Kind>(999), Nothing{}).kind, Kind::kFailed);

@@ -55,7 +55,12 @@ bool WorkerLink::EnsureWorker() {
 }
 
 void WorkerLink::ReadAnswers(std::shared_ptr<wire::Channel> channel, pid_t pid) {
-    while (auto message = channel->Receive()) Take(std::move(*message));
+    try {
+        while (auto message = channel->Receive()) Take(std::move(*message));
+    } catch (const wire::WireError&) {
+        // A worker that talks nonsense counts as gone.
+        channel->Shutdown();
+    }
     GiveUp();
     Reap(pid);
 }

@@ -46,7 +46,13 @@ void RecordingDesk::Close() {
 
 protocol::Recovery RecordingDesk::Start(const protocol::PackageFiles& files) {
     if (!m_recorder || m_isRecording) throw std::logic_error("A recording can be started once after its devices.");
-    m_recorder->Start(files.package, ToStoredPaths(files));
+    try {
+        m_recorder->Start(files.package, ToStoredPaths(files));
+    } catch (...) {
+        // Half a start must not go on holding the package or the sound.
+        m_recorder.reset();
+        throw;
+    }
     m_package = files.package;
     m_isRecording = true;
     m_stateAfterStop = 0;
