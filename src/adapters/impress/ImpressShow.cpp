@@ -167,6 +167,7 @@ void ImpressShowView::GotoSlide(std::int32_t index, bool) {
 }
 
 void ImpressShowView::Next() {
+    ++m_show->clicksMade;
     Ask(u"View.Next", [](const Controller& show) { show->gotoNextEffect(); });
     m_office->DispatchPending();
 }
@@ -174,7 +175,10 @@ void ImpressShowView::Next() {
 bool ImpressShowView::ClicksLeft() {
     m_office->DispatchPending();
     if (m_show->clicksUsedUp) return false;
-    return Ask(u"View.ClicksLeft", [](const Controller& show) { return HasClickBuilds(show->getCurrentSlide()); });
+    // The office tells of the last click only when its build has been drawn; a click more would leave the slide.
+    return m_show->clicksMade <
+           Ask(
+               u"View.ClicksLeft", [](const Controller& show) { return ClickBuilds(show->getCurrentSlide()); });
 }
 
 bool ImpressShowView::NextSlide() {

@@ -203,6 +203,7 @@ void OfficeModel::Begin(const std::shared_ptr<OfficeDocument>& document) {
 void OfficeModel::ShowSlide(const std::shared_ptr<Show>& show, std::int32_t slide) {
     ++show->slidesShown;
     show->clicksUsedUp = false;
+    show->clicksMade = 0;
     if (slide == show->slide) return;
     show->slide = slide;
     m_scopes.push_back({show, slide});

@@ -25,6 +25,7 @@ struct Show {
     std::int32_t slide = 0;        ///< the slide last told to the core
     std::int32_t slidesShown = 0;  ///< how often a slide came on screen, repeats included
     bool clicksUsedUp = false;     ///< nothing on the slide waits for a click
+    std::int32_t clicksMade = 0;   ///< clicks on the slide that came from the core
     bool ended = false;
 };
 

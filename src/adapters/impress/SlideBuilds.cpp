@@ -21,23 +21,24 @@ bool WaitsForClick(const Reference<css::animations::XAnimationNode>& node) {
     return (node->getBegin() >>= timing) && timing == css::animations::Timing_INDEFINITE;
 }
 
-bool AnyWaits(const Reference<css::animations::XAnimationNode>& node, int depth) {
+std::int32_t WaitingNodes(const Reference<css::animations::XAnimationNode>& node, int depth) {
     Reference<css::container::XEnumerationAccess> children(node, UNO_QUERY);
-    if (depth == 0 || !children.is()) return false;
+    if (depth == 0 || !children.is()) return 0;
+    std::int32_t count = 0;
     const auto items = children->createEnumeration();
     while (items->hasMoreElements()) {
         Reference<css::animations::XAnimationNode> child(items->nextElement(), UNO_QUERY);
-        if (child.is() && (WaitsForClick(child) || AnyWaits(child, depth - 1))) return true;
+        if (child.is()) count += WaitsForClick(child) ? 1 : WaitingNodes(child, depth - 1);
     }
-    return false;
+    return count;
 }
 
 }  // namespace
 
-bool HasClickBuilds(const Reference<css::drawing::XDrawPage>& page) {
+std::int32_t ClickBuilds(const Reference<css::drawing::XDrawPage>& page) {
     constexpr int kRootToClicks = 2;  // root, main sequence, one node per click
     Reference<css::animations::XAnimationNodeSupplier> supplier(page, UNO_QUERY);
-    return supplier.is() && AnyWaits(supplier->getAnimationNode(), kRootToClicks);
+    return supplier.is() ? WaitingNodes(supplier->getAnimationNode(), kRootToClicks) : 0;
 }
 
 }  // namespace kestrum::impress

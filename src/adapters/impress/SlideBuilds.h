@@ -2,10 +2,11 @@
 #pragma once
 
 #include <com/sun/star/drawing/XDrawPage.hpp>
+#include <cstdint>
 
 namespace kestrum::impress {
 
-/// True if the slide has builds that start at a click. Inside a job.
-bool HasClickBuilds(const com::sun::star::uno::Reference<com::sun::star::drawing::XDrawPage>& page);
+/// Number of clicks that the slide waits for before it is left. Inside a job.
+std::int32_t ClickBuilds(const com::sun::star::uno::Reference<com::sun::star::drawing::XDrawPage>& page);
 
 }  // namespace kestrum::impress
