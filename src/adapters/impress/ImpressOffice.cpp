@@ -12,6 +12,7 @@
 #include <set>
 #include <thread>
 
+#include "adapters/impress/BoxCloser.h"
 #include "adapters/impress/DeckLoader.h"
 #include "adapters/impress/DeckLock.h"
 #include "adapters/impress/ImpressApplication.h"
@@ -138,6 +139,7 @@ void ImpressOffice::Open(const String& path) {
         if (document->Remembered().fullName == path) return;
     RefuseLockedDeck(file);
     m_parts->opened.insert(file);
+    const BoxCloser closer(m_parts->model->Link().Remote());
     const auto document = m_parts->model->Link().Call(
         u"Open",
         [model = m_parts->model, path] {
