@@ -34,6 +34,7 @@ namespace {
 constexpr auto kStartLimit = std::chrono::seconds(90);
 constexpr auto kEndLimit = std::chrono::seconds(10);
 constexpr Patience kLoadPatience{15000, 300000};
+constexpr Patience kSettlePatience{2000, 10000};
 constexpr Patience kExportPatience{10000, 60000};
 
 fs::path HostPath(const String& path) {
@@ -149,9 +150,9 @@ void ImpressOffice::Open(const String& path) {
             return adopted;
         },
         kLoadPatience);
-    m_parts->model->DispatchUntil([&] { return document->IsLoaded(); }, kLoadPatience);
     m_parts->model->Link().Call(
         u"Open", [remote = m_parts->model->Link().Remote()] { Settle(remote); }, kLoadPatience);
+    m_parts->model->DispatchUntil([&] { return document->IsLoaded(); }, kSettlePatience);
 }
 
 void ImpressOffice::SelectSlide(std::int32_t number) {
