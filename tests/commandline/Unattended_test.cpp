@@ -17,6 +17,12 @@ TEST(UnattendedBox, EachQuestionGetsTheAnswerThatGoesOn) {
     EXPECT_EQ(box.Show(u"Read me.", host::BoxButtons::Ok, u""), host::BoxAnswer::Ok);
 }
 
+TEST(UnattendedBox, AProjectFileThatCannotBeRead_IsLeftAsItIs) {
+    Console console;
+    UnattendedBox box(console);
+    EXPECT_EQ(box.Show(u"...", host::BoxButtons::OkCancel, u"Load project.ksp"), host::BoxAnswer::Cancel);
+}
+
 TEST(UnattendedBox, AQuestionThatIsToBeRefused_GetsNo) {
     Console console;
     UnattendedBox box(console);

@@ -35,8 +35,8 @@ String CaptionOf(ui::Form& form, const String& control) {
 
 }  // namespace
 
-BoxAnswer UnattendedBox::Show(const String& text, BoxButtons buttons, const String&) {
-    const BoxAnswer answer = AnswerTo(text, buttons);
+BoxAnswer UnattendedBox::Show(const String& text, BoxButtons buttons, const String& title) {
+    const BoxAnswer answer = AnswerTo(text, buttons, title);
     if (buttons == BoxButtons::Ok) m_lastMessage = text;
     static const std::map<BoxAnswer, String> kWords = {{BoxAnswer::Ok, u"OK"},
                                                        {BoxAnswer::Cancel, u"Cancel"},
@@ -47,7 +47,9 @@ BoxAnswer UnattendedBox::Show(const String& text, BoxButtons buttons, const Stri
     return answer;
 }
 
-BoxAnswer UnattendedBox::AnswerTo(const String& text, BoxButtons buttons) const {
+BoxAnswer UnattendedBox::AnswerTo(const String& text, BoxButtons buttons, const String& title) const {
+    // Asked of each value of a project file that cannot be read: going on would drop it from the file.
+    if (title == u"Load project.ksp") return BoxAnswer::Cancel;
     switch (buttons) {
         case BoxButtons::YesNo:
         case BoxButtons::YesNoCancel:

@@ -27,7 +27,7 @@ class UnattendedBox final : public host::IMessageBox {
     host::BoxAnswer Show(const String& text, host::BoxButtons buttons, const String& title) override;
 
   private:
-    host::BoxAnswer AnswerTo(const String& text, host::BoxButtons buttons) const;
+    host::BoxAnswer AnswerTo(const String& text, host::BoxButtons buttons, const String& title) const;
 
     Console& m_console;
     std::set<String> m_refused;
