@@ -82,7 +82,9 @@ TEST_F(OpenDeck, AMissingFile_IsToldByItsPath) {
 TEST_F(OpenDeck, ATextUnderADecksName_OpensNothing) {
     const auto count = desk->App().PresentationCount();
     const auto sentence = Opening(Write("notes.pptx", "These are my notes.\n"));
-    EXPECT_EQ(sentence, u"\"notes.pptx\" is damaged, or not a presentation that Impress can open.");
+    EXPECT_EQ(sentence,
+              u"\"notes.pptx\" is damaged, or not a presentation that Impress can open with the parts of LibreOffice "
+              u"installed here.");
     EXPECT_EQ(desk->App().PresentationCount(), count);
 }
 
@@ -90,7 +92,9 @@ TEST_F(OpenDeck, ADamagedDeck_OpensNothing) {
     std::ifstream sample(KESTRUM_SOURCE_DIR "/samples/lecture.pptx", std::ios::binary);
     std::string bytes((std::istreambuf_iterator<char>(sample)), {});
     const auto sentence = Opening(Write("half.pptx", bytes.substr(0, bytes.size() / 2)));
-    EXPECT_EQ(sentence, u"\"half.pptx\" is damaged, or not a presentation that Impress can open.");
+    EXPECT_EQ(sentence,
+              u"\"half.pptx\" is damaged, or not a presentation that Impress can open with the parts of LibreOffice "
+              u"installed here.");
 }
 
 TEST_F(OpenDeck, ATextDocument_OpensNothing) {

@@ -55,7 +55,8 @@ host::Error Refusal(const String& path, const String& reason) {
 host::Error RefusalAfter(const String& path, const Answers& answers) {
     if (answers.Question().find(u"Password") != String::npos)
         return Refusal(path, u"is protected by a password. Save it without one and try again.");
-    return Refusal(path, u"is damaged, or not a presentation that Impress can open.");
+    return Refusal(
+        path, u"is damaged, or not a presentation that Impress can open with the parts of LibreOffice installed here.");
 }
 
 Any ValueOf(const css::uno::Sequence<css::beans::PropertyValue>& values, const char* name) {
