@@ -70,7 +70,7 @@ class ISlideShowView {
     virtual void GotoSlide(std::int32_t index, bool resetSlide) = 0;
     /// The next step of the show as the Right key does it: a build, the next visible slide, or the end. Re-enters.
     virtual void Next() = 0;
-    /// True while builds of the slide on screen wait for a click.
+    /// True while builds of the slide on screen wait for a click. May wait for the last build to appear (re-enters).
     virtual bool ClicksLeft() = 0;
     /// Goes to the next slide of the show (hidden slides and waiting builds are passed over); false if the slide on
     /// screen is the last one. Re-enters.

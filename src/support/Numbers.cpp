@@ -168,7 +168,7 @@ Digits DigitsOf(double value) {
 
 /// Cuts to `places` digits behind the point, half away from zero.
 void RoundDigits(Digits& number, int places) {
-    const auto keep = static_cast<std::size_t>(number.point + places);
+    const auto keep = static_cast<std::size_t>(number.point) + static_cast<std::size_t>(places);
     if (number.digits.size() <= keep) {
         number.digits.append(keep - number.digits.size(), '0');
         return;

@@ -20,6 +20,7 @@ namespace {
 
 // A slide full of pictures may take its time to draw.
 constexpr Patience kShowPatience{5000, 60000};
+constexpr Patience kLastBuildPatience{700, 3000};
 constexpr double kPointsPerInch = 72;
 
 std::int32_t SwapRedAndBlue(std::int32_t colour) {
@@ -175,10 +176,14 @@ void ImpressShowView::Next() {
 bool ImpressShowView::ClicksLeft() {
     m_office->DispatchPending();
     if (m_show->clicksUsedUp) return false;
-    // The office tells of the last click only when its build has been drawn; a click more would leave the slide.
-    return m_show->clicksMade <
-           Ask(
-               u"View.ClicksLeft", [](const Controller& show) { return ClickBuilds(show->getCurrentSlide()); });
+    const auto builds =
+        Ask(u"View.ClicksLeft", [](const Controller& show) { return ClickBuilds(show->getCurrentSlide()); });
+    if (m_show->clicksMade < builds) return true;
+    // The office tells of the last click only when its build has been drawn, and a click more would leave the slide;
+    // but one that came before the slide was drawn is lost, so the number of clicks alone does not tell.
+    const auto slide = m_show->slidesShown;
+    const auto settled = [&] { return m_show->clicksUsedUp || m_show->ended || m_show->slidesShown != slide; };
+    return builds > 0 && !m_office->DispatchUntil(settled, kLastBuildPatience);
 }
 
 bool ImpressShowView::NextSlide() {
