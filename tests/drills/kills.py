@@ -19,7 +19,11 @@ def round_of(victim, moment):
         run(KESTRUM, "publish", "mp4", folder.package)
         found = info(folder.package)
         assert found["index"][:len(seen)] == seen, (seen, found["index"])
-        assert [entry["title"] for entry in found["index"]] == TITLES[:len(found["index"])]
+        titles = [entry["title"] for entry in found["index"]]
+        expected = TITLES[:len(titles)]
+        if victim == "soffice.bin" and titles[-1:] == [f"Slide {len(titles)}"]:
+            expected[-1] = titles[-1]  # it died between a slide's coming and the reading of its title
+        assert titles == expected, found["index"]
         assert all(entry["key_frame"] for entry in found["index"]), found
         assert run("ffmpeg", "-v", "error", "-i", folder.package, "-f", "null", "-").stderr == ""
         return len(found["index"]), found["duration_ms"]

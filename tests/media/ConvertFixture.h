@@ -23,6 +23,7 @@ struct RecordingKind {
     std::string audioCodec = "aac";
     std::string keyFrames = "0,2,4";
     bool withAudio = true;
+    std::string length = "6";
     bool still = false;  ///< one picture each two seconds only
 };
 
@@ -46,7 +47,7 @@ class ConvertTest : public testing::Test {
         // The encoder starts before 0; ffmpeg would move the whole recording back for it.
         if (kind.withAudio && kind.audioCodec == "aac")
             command.insert(command.end(), {"-bsf:a", "setts=pts=PTS+21:dts=DTS+21"});
-        command.insert(command.end(), {"-t", "6", "-f", "matroska", path});
+        command.insert(command.end(), {"-t", kind.length, "-f", "matroska", path});
         EXPECT_EQ(real::Run(command).code, 0) << "ffmpeg could not make the recording";
         return path;
     }

@@ -107,6 +107,15 @@ TEST_F(ConvertTest, Convert_StillPictures_LastAsLongAsTheRecording) {
     EXPECT_NEAR(DurationOf(File("media.mp4")), DurationOf(package), 0.05);
 }
 
+TEST_F(ConvertTest, Convert_OfASinglePicture_HasOneForTheCover) {
+    const auto package = MakeRecording("lecture.ktr", {.length = "1.5", .still = true});
+    ASSERT_EQ(ConvertToMp4(Request(package), {}), ConvertOutcome::kFinished);
+    real::Run({"ffmpeg", "-v", "error", "-i", File("media.mp4"), "-ss", "0.1", "-vframes", "1", "-f", "image2",
+               File("cover.jpg")});
+    EXPECT_TRUE(std::filesystem::exists(File("cover.jpg")));
+    EXPECT_NEAR(DurationOf(File("media.mp4")), DurationOf(package), 0.05);
+}
+
 TEST_F(ConvertTest, Convert_WritesTheEntriesAsChapters) {
     auto request = Request(MakeRecording("lecture.ktr", {}));
     request.entries = {{0, "Start"}, {2000, "关键帧是什么?"}};

@@ -32,8 +32,8 @@ std::unique_ptr<TrackJob> MakeVideoJob(const ConvertRequest& request, const std:
                                        const PackageInput& input, Mp4Output& output) {
     const AVCodecParameters& source = *input.Video().codecpar;
     const bool sameSize = KeepsSize(request, source);
-    const bool copy =
-        source.codec_id == AV_CODEC_ID_H264 && request.videoKbps <= 0 && sameSize && EntriesOnKeyFrames(input, entries);
+    const bool copy = source.codec_id == AV_CODEC_ID_H264 && request.videoKbps <= 0 && sameSize &&
+                      EntriesOnKeyFrames(input, entries) && HasPictureFrom(request.package, kCoverMs);
     if (copy) return std::make_unique<VideoCopy>(input.Video(), output);
     // H.264 in 4:2:0 needs even sides.
     const VideoEncodeSettings settings{(sameSize ? source.width : request.width) / 2 * 2,

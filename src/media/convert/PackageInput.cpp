@@ -11,6 +11,15 @@ std::int64_t ToMs(std::int64_t timestamp, AVRational timeBase) {
     return av_rescale_q(timestamp, timeBase, AVRational{1, 1000});
 }
 
+bool HasPictureFrom(const std::string& path, std::int64_t fromMs) {
+    const PackageInput input(path);
+    auto packet = NewPacket();
+    while (input.Read(*packet))
+        if (packet->stream_index == input.Video().index && ToMs(packet->pts, input.Video().time_base) >= fromMs)
+            return true;
+    return false;
+}
+
 PackageInput::PackageInput(const std::string& path) : m_input(OpenInput(path)) {
     PickTracks();
     if (m_video == nullptr) throw Error(ErrorKind::kNotAPackage, "There is no recording in " + path + ".", 0);

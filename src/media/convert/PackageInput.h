@@ -39,6 +39,10 @@ class PackageInput {
     std::int64_t m_lengthMs = 0;
 };
 
+/// True if a picture of the recording at `path` begins at `fromMs` or later. Reads up to that picture. Errors as of
+/// PackageInput.
+bool HasPictureFrom(const std::string& path, std::int64_t fromMs);
+
 /// `timestamp` in `timeBase` as ms, rounded to nearest.
 std::int64_t ToMs(std::int64_t timestamp, AVRational timeBase);
 

@@ -76,6 +76,7 @@ void VideoEncode::Take(AVPacket& packet) {
 void VideoEncode::Finish() {
     Decode(nullptr);
     for (const std::int64_t pos : m_plan.TakeBefore(std::numeric_limits<std::int64_t>::max())) RepeatLastAt(pos);
+    RepeatLastAt(kCoverMs);
     Encode(nullptr);
 }
 

@@ -11,6 +11,10 @@
 
 namespace kestrum::media {
 
+/// The cover of a publication is the movie's first picture from here on, so each movie has one, be it that the
+/// recording stood still from its first picture to its end.
+inline constexpr std::int64_t kCoverMs = 100;
+
 struct VideoEncodeSettings {
     int width = 0;
     int height = 0;
