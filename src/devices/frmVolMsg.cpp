@@ -1,7 +1,6 @@
 #include "devices/frmVolMsg.h"
 
 #include "devices/modVolume.h"
-#include "host/ResumeNext.h"
 #include "support/modConfig.h"
 #include "support/modLanguage.h"
 #include "support/modMsgBox.h"
@@ -81,9 +80,7 @@ void frmVolMsg::chkPrompt_Click() {
 
 void frmVolMsg::OnUnload() {
     m_c.host.ksLib.DeleteAudioMixer();
-    if (!chkPrompt.Checked()) return;
-    const host::ResumeNext attempt{m_c.host.trace};
-    attempt([&] { modConfig::SaveSetting(m_c, u"configure", u"chkLowVolDetect", u"0"); });
+    if (chkPrompt.Checked()) modConfig::SaveSetting(m_c, u"configure", u"chkLowVolDetect", u"0");
 }
 
 }  // namespace kestrum

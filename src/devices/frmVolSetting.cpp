@@ -2,7 +2,6 @@
 
 #include "devices/modDevice.h"
 #include "devices/modVolume.h"
-#include "host/ResumeNext.h"
 #include "support/modConfig.h"
 #include "support/modGlobal.h"
 #include "support/modLanguage.h"
@@ -84,8 +83,7 @@ void frmVolSetting::tmrGetVol_Timer() {
 
 void frmVolSetting::cmdRec_Click() {
     m_c.devices.g_DialogResult = 1;
-    const host::ResumeNext attempt{m_c.host.trace};
-    attempt([&] { modConfig::SaveSetting(m_c, u"configure", u"chkSetVolBefRec", chkPrompt.Checked() ? u"0" : u"1"); });
+    modConfig::SaveSetting(m_c, u"configure", u"chkSetVolBefRec", chkPrompt.Checked() ? u"0" : u"1");
     Unload();
 }
 

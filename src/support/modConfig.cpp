@@ -1,5 +1,6 @@
 #include "support/modConfig.h"
 
+#include "host/ResumeNext.h"
 #include "support/modGlobal.h"
 
 namespace kestrum::modConfig {
@@ -9,8 +10,9 @@ String GetSetting(const support::Context& c, StringView section, StringView key,
     return stored ? *stored : String(fallback);
 }
 
-void SaveSetting(const support::Context& c, StringView section, StringView key, StringView value) {
-    c.host.settings.Write(String(kApplication), String(section), String(key), String(value));
+bool SaveSetting(const support::Context& c, StringView section, StringView key, StringView value) {
+    const host::ResumeNext attempt{c.host.trace};
+    return attempt([&] { c.host.settings.Write(String(kApplication), String(section), String(key), String(value)); });
 }
 
 String GetHexSetting(const support::Context& c, StringView section, StringView key, StringView fallback) {
@@ -19,8 +21,8 @@ String GetHexSetting(const support::Context& c, StringView section, StringView k
     return stored.starts_with(u"&H") ? modGlobal::DecodeHexText(stored) : stored;
 }
 
-void SaveHexSetting(const support::Context& c, StringView section, StringView key, StringView value) {
-    SaveSetting(c, section, key, modGlobal::EncodeHexText(value));
+bool SaveHexSetting(const support::Context& c, StringView section, StringView key, StringView value) {
+    return SaveSetting(c, section, key, modGlobal::EncodeHexText(value));
 }
 
 }  // namespace kestrum::modConfig

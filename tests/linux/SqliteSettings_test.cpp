@@ -1,10 +1,13 @@
 #include "adapters/linux/SqliteSettings.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <csignal>
 #include <filesystem>
+#include <functional>
 
 #include "linux/RecordingTrace.h"
 #include "real/ChildProcess.h"
@@ -152,11 +155,156 @@ TEST_F(SqliteSettingsTest, DamagedPages_AreSetAside_AndWhatIsReadableIsCarriedOv
     EXPECT_TRUE(IsSetAside());
 }
 
-TEST_F(SqliteSettingsTest, Write_WhereNothingCanBeStored_Fails) {
+TEST_F(SqliteSettingsTest, Write_WhereNothingCanBeStored_Fails_ButHoldsForTheSession) {
     real::WriteText(folder / "blocked", "a file, not a folder");
     SqliteSettings blocked(folder / "blocked/settings.sqlite", trace);
     EXPECT_THROW(blocked.Write(kApplication, u"s", u"k", u"v"), host::Error);
-    EXPECT_EQ(blocked.Read(kApplication, u"s", u"k"), std::nullopt);
+    EXPECT_EQ(blocked.Read(kApplication, u"s", u"k"), u"v");
+    EXPECT_EQ(SqliteSettings(folder / "blocked/settings.sqlite", trace).Read(kApplication, u"s", u"k"), std::nullopt);
+}
+
+/// Runs `body` in a child process without the rights of root; its exit code, 0 unless a check failed.
+int RunWithoutRights(const std::function<bool()>& body) {
+    const pid_t child = fork();
+    if (child == 0) {
+        constexpr uid_t kNobody = 65534;
+        if (geteuid() == 0 && (setgid(kNobody) != 0 || setuid(kNobody) != 0)) _exit(2);
+        _exit(body() ? 0 : 1);
+    }
+    int status = -1;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST_F(SqliteSettingsTest, ReadOnlyFolder_ReadsWhatIsStored_AndKeepsNewValuesForTheSession) {
+    Write(u"audioBitrate", u"64");
+    const std::string home = stdfs::path(file).parent_path();
+    chmod(folder.Path().c_str(), 0755);
+    chmod(file.c_str(), 0444);
+    chmod(home.c_str(), 0555);
+    const int code = RunWithoutRights([&] {
+        bool refused = false;
+        try {
+            Write(u"audioBitrate", u"96");
+        } catch (const host::Error& error) {
+            refused = error.Number() == host::ErrorNumber::PermissionDenied;
+        }
+        SqliteSettings other(file, trace);
+        return refused && Read(u"audioBitrate") == u"96" &&
+               other.Read(kApplication, u"configure", u"audioBitrate") == u"64";
+    });
+    EXPECT_EQ(code, 0);
+    chmod(home.c_str(), 0755);
+    EXPECT_EQ(Read(u"audioBitrate"), u"64");
+    EXPECT_FALSE(IsSetAside()) << "what cannot be written is not damaged";
+}
+
+TEST_F(SqliteSettingsTest, FolderThatCannotBeEntered_GivesDefaults) {
+    Write(u"audioBitrate", u"64");
+    const std::string home = stdfs::path(file).parent_path();
+    chmod(folder.Path().c_str(), 0755);
+    chmod(home.c_str(), 0);
+    EXPECT_EQ(RunWithoutRights([&] { return !Read(u"audioBitrate"); }), 0);
+    chmod(home.c_str(), 0755);
+    EXPECT_EQ(Read(u"audioBitrate"), u"64");
+}
+
+TEST_F(SqliteSettingsTest, WriterKilledInMidWrite_LeavesAWholeValue_OldOrNew) {
+    const auto text = [](int i) { return String(20000, static_cast<char16_t>(u'a' + i % 26)); };
+    Write(u"folderName", text(0));
+    for (int round = 0; round < 12; ++round) {
+        const pid_t child = fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) {
+            for (int i = 0;; ++i) Write(u"folderName", text(i));
+        }
+        usleep(static_cast<useconds_t>(3000 + 2700 * round));
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        const auto value = Read(u"folderName");
+        ASSERT_TRUE(value);
+        ASSERT_EQ(value->size(), 20000U);
+        ASSERT_EQ(*value, String(20000, value->front())) << "half of one value and half of another";
+        Write(u"other", host::FromUtf8(std::to_string(round)));
+        ASSERT_EQ(Read(u"other"), host::FromUtf8(std::to_string(round))) << "the dead writer's lock is gone";
+    }
+    EXPECT_FALSE(IsSetAside());
+    EXPECT_TRUE(trace.lines.empty());
+}
+
+TEST_F(SqliteSettingsTest, ManyProcesses_NeverSeeHalfAValue) {
+    const auto text = [](char16_t unit) { return String(9000, unit); };
+    Write(u"shared", text(u'a'));
+    std::vector<pid_t> children;
+    for (const char16_t unit : {u'b', u'c', u'd'}) {
+        children.push_back(fork());
+        if (children.back() != 0) continue;
+        try {
+            for (int i = 0; i < 15; ++i) Write(u"shared", text(unit));
+            _exit(0);
+        } catch (const host::Error&) {
+            _exit(1);
+        }
+    }
+    for (int i = 0; i < 60; ++i) {
+        const auto value = Read(u"shared");
+        ASSERT_TRUE(value);
+        ASSERT_EQ(*value, text(value->front()));
+    }
+    for (const pid_t child : children) {
+        int status = -1;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_EQ(WEXITSTATUS(status), 0);
+    }
+}
+
+TEST_F(SqliteSettingsTest, SeveralProcesses_ThatFindTheFileDamaged_SetItAsideOnce) {
+    Write(u"a", u"1");
+    real::WriteText(file, std::string(9000, '\x5A'));
+    std::vector<pid_t> children;
+    for (int p = 0; p < 4; ++p) {
+        children.push_back(fork());
+        if (children.back() != 0) continue;
+        try {
+            Write(host::FromUtf8("k" + std::to_string(p)), u"v");
+            _exit(0);
+        } catch (const host::Error&) {
+            _exit(1);
+        }
+    }
+    for (const pid_t child : children) {
+        int status = -1;
+        ASSERT_EQ(waitpid(child, &status, 0), child);
+        EXPECT_EQ(WEXITSTATUS(status), 0);
+    }
+    for (int p = 0; p < 4; ++p) EXPECT_EQ(Read(host::FromUtf8("k" + std::to_string(p))), u"v");
+    const auto names = Names();
+    EXPECT_EQ(std::count_if(names.begin(), names.end(),
+                            [](const std::string& name) { return name.find("damaged-") != std::string::npos; }),
+              1);
+}
+
+TEST_F(SqliteSettingsTest, DiskThatTakesNoMore_CostsTheNewValueOnly) {
+    Write(u"audioBitrate", u"64");
+    const pid_t child = fork();
+    if (child == 0) {
+        // Nothing more fits into any file of this process, as on a full disk.
+        signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{4096, 4096};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        try {
+            Write(u"account", String(60000, u'x'));
+        } catch (const host::Error&) {
+            _exit(Read(u"audioBitrate") == u"64" ? 0 : 2);
+        }
+        _exit(1);
+    }
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(WEXITSTATUS(status), 0);
+    EXPECT_EQ(Read(u"audioBitrate"), u"64");
+    EXPECT_EQ(Read(u"account"), std::nullopt);
+    EXPECT_FALSE(IsSetAside());
 }
 
 TEST_F(SqliteSettingsTest, DefaultFile_LiesInTheConfigurationFolder) {

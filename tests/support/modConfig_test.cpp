@@ -69,9 +69,12 @@ TEST_F(modConfigTest, AnUnreadableStore_GivesDefaults) {
     EXPECT_EQ(GetSetting(c, u"configure", u"audioBitrate", u"32"), u"32");
 }
 
-TEST_F(modConfigTest, AnUnwritableStore_Raises) {
-    world.faults.FailCall(u"settings.Write", 1, sim::Once);
-    EXPECT_THROW(SaveSetting(c, u"configure", u"audioBitrate", u"64"), host::Error);
+TEST_F(modConfigTest, AnUnwritableStore_SaysSo_AndDisturbsNobody) {
+    EXPECT_TRUE(SaveSetting(c, u"configure", u"audioBitrate", u"64"));
+    world.faults.FailCall(u"settings.Write", 1, sim::ForEver);
+    EXPECT_FALSE(SaveSetting(c, u"configure", u"audioBitrate", u"96"));
+    EXPECT_FALSE(SaveHexSetting(c, u"configure", u"account", u"anna"));
+    EXPECT_EQ(GetSetting(c, u"configure", u"audioBitrate", u"32"), u"64");
 }
 
 }  // namespace

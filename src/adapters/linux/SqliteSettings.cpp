@@ -102,7 +102,8 @@ bool IsDamaged(const std::string& file) {
 std::string AsideName(const std::string& file) {
     const std::string base = file + ".damaged-" + std::to_string(std::time(nullptr));
     std::string name = base;
-    for (int n = 2; stdfs::exists(name); ++n) name = base + "-" + std::to_string(n);
+    std::error_code ignored;
+    for (int n = 2; stdfs::exists(name, ignored); ++n) name = base + "-" + std::to_string(n);
     return name;
 }
 
@@ -124,8 +125,11 @@ std::string SqliteSettings::DefaultFile() {
 }
 
 std::optional<String> SqliteSettings::Read(const String& application, const String& section, const String& key) {
+    const auto unstored = m_unstored.find({application, section, key});
+    if (unstored != m_unstored.end()) return unstored->second;
     std::optional<String> value;
-    if (!stdfs::exists(m_file)) return value;
+    std::error_code unreadable;
+    if (!stdfs::exists(m_file, unreadable)) return value;
     WithStore(false, [&](sqlite3* store) {
         int code = SQLITE_OK;
         const Statement statement = Prepare(store, kRead, code);
@@ -141,10 +145,14 @@ std::optional<String> SqliteSettings::Read(const String& application, const Stri
 }
 
 void SqliteSettings::Write(const String& application, const String& section, const String& key, const String& value) {
+    m_unstored[{application, section, key}] = value;
     MakePrivateFile(m_file);
     const Row row{host::ToUtf8(application), host::ToUtf8(section), host::ToUtf8(key), host::ToUtf8(value)};
     const int code = WithStore(true, [&](sqlite3* store) { return Put(store, row); });
-    if (code == SQLITE_DONE) return;
+    if (code == SQLITE_DONE) {
+        m_unstored.erase({application, section, key});
+        return;
+    }
     const auto number =
         (code & 0xFF) == SQLITE_FULL ? host::ErrorNumber::DiskFull : host::ErrorNumber::PermissionDenied;
     throw host::Error(number, u"WriteSetting",

@@ -3,11 +3,14 @@
 // The file is opened for each call, which takes well under a millisecond, so that no process holds it, and all see it
 // at once when a damaged file is set aside. A rollback journal is used, not a write-ahead log: home folders of lecture
 // halls are often network mounts. A damaged file is renamed to "<file>.damaged-<time>", its readable part is carried
-// over into a new one, and the trace says so.
+// over into a new one, and the trace says so. A value that cannot be stored holds for the life of this object, so that
+// a session goes on as its user set it.
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "host/ISettingsStore.h"
@@ -34,6 +37,8 @@ class SqliteSettings : public host::ISettingsStore {
 
     std::string m_file;
     host::ITrace& m_trace;
+    /// What could not be stored, by application, section and key.
+    std::map<std::tuple<String, String, String>, String> m_unstored;
 };
 
 }  // namespace kestrum::platform

@@ -5,7 +5,6 @@
 
 #include "adapters/linux/Descriptor.h"
 #include "adapters/linux/LinuxKsHook.h"
-#include "host/ResumeNext.h"
 #include "support/modConfig.h"
 
 namespace kestrum::app {
@@ -23,9 +22,8 @@ bool RecorderIsAlive() {
 
 void DisarmMarkerOfDeadRecorder(const support::Context& c) {
     if (modConfig::GetSetting(c, kTokens, u"recording", u"0") != u"1" || RecorderIsAlive()) return;
-    const host::ResumeNext Try{c.host.trace};
-    Try([&] { modConfig::SaveSetting(c, kTokens, u"recording", u"0"); });
-    Try([&] { modConfig::SaveSetting(c, kTokens, u"project", u""); });
+    modConfig::SaveSetting(c, kTokens, u"recording", u"0");
+    modConfig::SaveSetting(c, kTokens, u"project", u"");
 }
 
 }  // namespace kestrum::app
