@@ -6,7 +6,7 @@ import subprocess
 from stage import KESTRUM, ROOT
 
 CASES = {
-    "read-only": ("size=400m", "mount -o remount,ro \"$room\"", r"(?i)write|read-only"),
+    "read-only": ("size=400m", "mount -o remount,ro \"$room\"", r"(?i)cannot be written"),
     "nearly full": ("size=60m", ":", r"(?i)space"),
 }
 
