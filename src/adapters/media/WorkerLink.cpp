@@ -30,6 +30,7 @@ WorkerLink::WorkerLink(std::string program, host::IEventLoop& loop) : m_program(
 
 WorkerLink::~WorkerLink() {
     m_levelSink->call = nullptr;
+    m_progressSink->call = nullptr;
     StopReader();
 }
 
@@ -69,7 +70,9 @@ void WorkerLink::Take(wire::Message message) {
     if (message.kind == wire::Kind::kLevel) {
         return TakeLevel(static_cast<std::int32_t>(wire::Unpack<wire::Number>(message.body).value));
     }
-    if (message.kind == wire::Kind::kProgress) return;
+    if (message.kind == wire::Kind::kProgress) {
+        return PassOn(m_progressSink, static_cast<std::int32_t>(wire::Unpack<wire::Number>(message.body).value));
+    }
     {
         const std::lock_guard lock(m_mutex);
         const auto found = m_pending.find(message.id);
@@ -96,12 +99,20 @@ void WorkerLink::GiveUp() {
 
 void WorkerLink::TakeLevel(std::int32_t level) {
     m_level = level;
-    m_levelSink->level = level;
-    if (m_levelSink->isPosted.exchange(true)) return;
-    m_loop.Post([sink = m_levelSink] {
+    PassOn(m_levelSink, level);
+}
+
+void WorkerLink::PassOn(const NumberSinkPtr& sink, std::int32_t value) {
+    sink->value = value;
+    if (sink->isPosted.exchange(true)) return;
+    m_loop.Post([sink] {
         sink->isPosted = false;
-        if (const auto call = sink->call) call(sink->level);
+        if (const auto call = sink->call) call(sink->value);
     });
+}
+
+void WorkerLink::OnProgress(std::function<void(std::int32_t)> onProgress) {
+    m_progressSink->call = std::move(onProgress);
 }
 
 void WorkerLink::OnLevel(std::function<void(std::int32_t)> onLevel) {

@@ -52,6 +52,9 @@ class WorkerLink {
     /// Called on the core's thread with the peak of the sound, 0 to 100; the last one if several came meanwhile.
     void OnLevel(std::function<void(std::int32_t)> onLevel);
     std::int32_t LastLevel() const { return m_level; }
+    /// Called on the core's thread with the percentage of the request that AskPumping waits for; an empty function ends
+    /// it.
+    void OnProgress(std::function<void(std::int32_t)> onProgress);
 
     /// Long enough for a slow disk, short enough for a person who waits.
     static constexpr std::int32_t kTimeoutMs = 20'000;
@@ -97,13 +100,18 @@ class WorkerLink {
     std::condition_variable m_answered;
     std::map<std::uint32_t, PendingPtr> m_pending;
 
-    /// Shared with tasks that may still wait in the loop when the link goes.
-    struct LevelSink {
+    /// A number that changes often, passed on as fast as the loop takes it. Shared with tasks that may still wait in
+    /// the loop when the link goes.
+    struct NumberSink {
         std::function<void(std::int32_t)> call;
         std::atomic<bool> isPosted{false};
-        std::atomic<std::int32_t> level{0};
+        std::atomic<std::int32_t> value{0};
     };
-    std::shared_ptr<LevelSink> m_levelSink = std::make_shared<LevelSink>();
+    using NumberSinkPtr = std::shared_ptr<NumberSink>;
+    void PassOn(const NumberSinkPtr& sink, std::int32_t value);
+
+    NumberSinkPtr m_levelSink = std::make_shared<NumberSink>();
+    NumberSinkPtr m_progressSink = std::make_shared<NumberSink>();
     std::atomic<std::int32_t> m_level{0};
 };
 

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "media/package/CueList.h"
 #include "media/package/Error.h"
 #include "media/package/TrackReader.h"
 
@@ -155,6 +156,8 @@ void ReadTail(IStorage& storage, PackageMap& map) {
         map.cues = cues;
         tail = cues->End();
         map.referencedEnd = tail;
+        // A list that cannot be read says nothing that the media would not say again: a recovery writes it anew.
+        if (!ReadCues(storage, *cues)) return;
     }
     map.tailWhole = OnlyLeftovers(storage, tail, map.fileSize);
 }

@@ -1,6 +1,6 @@
 // Every request to the media worker with its answer, and the events that it sends unasked. One request is answered by
 // exactly one message of the same id: kDone with the struct named beside the request, or kFailed with a Failure.
-// Requests are answered in the order they came, but kVerifyWhole, whose answer comes when it is done.
+// Requests are answered in the order they came, but kVerifyWhole and kInspect, whose answers come when they are done.
 //
 // Texts are UTF-8, positions and lengths milliseconds.
 #pragma once
@@ -45,8 +45,9 @@ enum class Kind : std::uint16_t {
     kStore = 56,           ///< PackageFiles -> Recovery
     kVerifyQuick = 57,     ///< Text -> Number, see Soundness
     kVerifyWhole = 58,     ///< Text -> Verdict; sends kProgress; recovers an interrupted package
-    kCancel = 59,          ///< Nothing -> Nothing: ends a kVerifyWhole early
+    kCancel = 59,          ///< Nothing -> Nothing: ends a kVerifyWhole or kInspect early
     kDrawFit = 60,         ///< TwoPaths -> Nothing: draws one picture into another
+    kInspect = 61,         ///< InspectRequest -> Inspection; sends kProgress; changes nothing
 };
 
 struct Nothing {
@@ -257,6 +258,73 @@ struct Verdict {
         visit(soundness);
         visit(cancelled);
         visit(recovery);
+    }
+};
+
+struct InspectRequest {
+    std::string package;
+    std::int32_t everything = 0;  ///< 1: reads all media
+    template <typename V>
+    void Fields(V& visit) {
+        visit(package);
+        visit(everything);
+    }
+};
+
+struct DamagedPiece {
+    std::int32_t kind = 0;  ///< DamageKind of the package library
+    std::int64_t beginMs = 0;
+    std::int64_t endMs = 0;
+    std::int64_t bytes = 0;
+    template <typename V>
+    void Fields(V& visit) {
+        visit(kind);
+        visit(beginMs);
+        visit(endMs);
+        visit(bytes);
+    }
+};
+
+struct Chapter {
+    std::int64_t ms = 0;
+    std::string title;
+    template <typename V>
+    void Fields(V& visit) {
+        visit(ms);
+        visit(title);
+    }
+};
+
+/// What was found in a file; the fields of the package library's Inspection.
+struct Inspection {
+    std::int32_t kind = 0;  ///< FileKind
+    std::string reason;
+    Soundness soundness = Soundness::kMissing;
+    std::int32_t formatVersion = 0;
+    std::int32_t holdsMedia = 0;
+    std::int32_t hasProject = 0;
+    std::int32_t entriesWait = 0;
+    std::int64_t lengthMs = 0;
+    std::int64_t headLengthMs = 0;
+    std::vector<std::int64_t> keyFrames;
+    std::vector<Chapter> chapters;
+    std::vector<DamagedPiece> damages;
+    std::int32_t cancelled = 0;
+    template <typename V>
+    void Fields(V& visit) {
+        visit(kind);
+        visit(reason);
+        visit(soundness);
+        visit(formatVersion);
+        visit(holdsMedia);
+        visit(hasProject);
+        visit(entriesWait);
+        visit(lengthMs);
+        visit(headLengthMs);
+        visit(keyFrames);
+        visit(chapters);
+        visit(damages);
+        visit(cancelled);
     }
 };
 

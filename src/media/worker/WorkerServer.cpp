@@ -13,6 +13,7 @@
 #include "media/capture/Screen.h"
 #include "media/capture/SoundSources.h"
 #include "media/convert/DrawFit.h"
+#include "media/package/Inspection.h"
 #include "media/package/Package.h"
 
 namespace kestrum::media {
@@ -67,6 +68,29 @@ protocol::Size AskSize(const std::string& path) {
 
 protocol::Verdict ToVerdict(const VerifyResult& result) {
     return {static_cast<protocol::Soundness>(result.soundness), result.cancelled, ToRecovery(result.recovered)};
+}
+
+protocol::Inspection InspectPackage(const protocol::InspectRequest& request, const Progress& progress,
+                                    const Cancel& cancel) {
+    const auto thoroughness = request.everything ? Thoroughness::kEverything : Thoroughness::kHeadAndTail;
+    const Inspection found = Inspect(request.package, thoroughness, progress, cancel);
+    protocol::Inspection answer{static_cast<std::int32_t>(found.kind),
+                                found.reason,
+                                static_cast<protocol::Soundness>(found.soundness),
+                                found.formatVersion,
+                                found.holdsMedia,
+                                found.hasProject,
+                                found.entriesWait,
+                                found.lengthMs,
+                                found.headLengthMs,
+                                found.keyFrames,
+                                {},
+                                {},
+                                found.cancelled};
+    for (const ChapterMark& chapter : found.chapters) answer.chapters.push_back({chapter.ms, chapter.title});
+    for (const DamagedPiece& piece : found.damages)
+        answer.damages.push_back({static_cast<std::int32_t>(piece.kind), piece.beginMs, piece.endMs, piece.bytes});
+    return answer;
 }
 
 int BlockedSignals() {
@@ -129,8 +153,31 @@ void WorkerServer::AddPackageHandlers() {
     On<Nothing>(Kind::kCancel, [this](const Nothing&) { m_verify.Cancel(); });
 }
 
+template <typename Request, typename Function>
+void WorkerServer::StartLong(const Message& request, Function work) {
+    m_verify.Start([this, request, work](const std::function<bool()>& isCancelled) {
+        Message answer;
+        try {
+            const auto onPercent = [&, last = -1](int percent) mutable {
+                if (percent == last) return;
+                last = percent;
+                m_channel.SendIfRoom(Channel::Make(Kind::kProgress, request.id, Number{percent}));
+            };
+            const auto words = protocol::Unpack<Request>(request.body);
+            answer = Channel::Make(Kind::kDone, request.id, work(words, onPercent, isCancelled));
+        } catch (...) {
+            answer = Channel::Make(Kind::kFailed, request.id, CurrentFailure());
+        }
+        m_channel.Send(answer);
+    });
+}
+
 void WorkerServer::Answer(const Message& request) {
-    if (request.kind == Kind::kVerifyWhole) return StartWholeVerify(request);
+    if (request.kind == Kind::kVerifyWhole)
+        return StartLong<Text>(request, [](const Text& path, const Progress& progress, const Cancel& cancel) {
+            return ToVerdict(WholeVerify(path.value, progress, cancel));
+        });
+    if (request.kind == Kind::kInspect) return StartLong<protocol::InspectRequest>(request, InspectPackage);
     Message answer{Kind::kDone, request.id, {}};
     try {
         const auto handler = m_handlers.find(request.kind);
@@ -140,22 +187,6 @@ void WorkerServer::Answer(const Message& request) {
         answer = Channel::Make(Kind::kFailed, request.id, CurrentFailure());
     }
     m_channel.Send(answer);
-}
-
-void WorkerServer::StartWholeVerify(const Message& request) {
-    m_verify.Start([this, request](const std::function<bool()>& isCancelled) {
-        Message answer;
-        try {
-            const auto path = protocol::Unpack<Text>(request.body).value;
-            const auto onPercent = [&](int percent) {
-                m_channel.SendIfRoom(Channel::Make(Kind::kProgress, request.id, Number{percent}));
-            };
-            answer = Channel::Make(Kind::kDone, request.id, ToVerdict(WholeVerify(path, onPercent, isCancelled)));
-        } catch (...) {
-            answer = Channel::Make(Kind::kFailed, request.id, CurrentFailure());
-        }
-        m_channel.Send(answer);
-    });
 }
 
 bool WorkerServer::WaitForWork(int signalFd) {

@@ -32,7 +32,9 @@ class WorkerServer {
     void AddRecordingHandlers();
     void AddPackageHandlers();
     void Answer(const protocol::Message& request);
-    void StartWholeVerify(const protocol::Message& request);
+    /// Answers when `work` has its answer, on a thread of its own; `work` tells its progress meanwhile.
+    template <typename Request, typename Function>
+    void StartLong(const protocol::Message& request, Function work);
     bool WaitForWork(int signalFd);
     void OnTerminate(int signalFd);
 
