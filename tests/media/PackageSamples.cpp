@@ -31,10 +31,12 @@ Lecture ReadLecture(const std::string& path) {
     avformat_find_stream_info(format, nullptr);
     Lecture lecture;
     const AVCodecParameters& video = *format->streams[0]->codecpar;
-    const AVCodecParameters& audio = *format->streams[1]->codecpar;
     lecture.tracks.video = {video.width, video.height, ExtraData(*format->streams[0])};
-    lecture.tracks.audio =
-        AudioTrackConfig{audio.sample_rate, audio.ch_layout.nb_channels, 64000, ExtraData(*format->streams[1])};
+    if (format->nb_streams > 1) {
+        const AVCodecParameters& audio = *format->streams[1]->codecpar;
+        lecture.tracks.audio =
+            AudioTrackConfig{audio.sample_rate, audio.ch_layout.nb_channels, 64000, ExtraData(*format->streams[1])};
+    }
     AVPacket* packet = av_packet_alloc();
     while (av_read_frame(format, packet) >= 0) {
         const AVStream& stream = *format->streams[packet->stream_index];
@@ -121,6 +123,18 @@ TempFolder::TempFolder() {
 TempFolder::~TempFolder() {
     std::error_code ignored;
     std::filesystem::remove_all(m_path, ignored);
+}
+
+PictureTrack MakePictures(const std::string& source, int seconds) {
+    const TempFolder folder;
+    const std::string path = folder.File("pictures.mp4");
+    const ToolResult made =
+        RunTool({"ffmpeg", "-v",      "error",    "-f",      "lavfi", "-i", source, "-t",     std::to_string(seconds),
+                 "-c:v",   "libx264", "-pix_fmt", "yuv420p", "-bf",   "0",  "-g",   "100000", "-sc_threshold",
+                 "0",      path});
+    if (made.exitCode != 0) throw std::runtime_error("ffmpeg: " + made.output);
+    const Lecture read = ReadLecture(path);
+    return {read.tracks.video, read.samples};
 }
 
 const Lecture& ShortLecture() {

@@ -40,6 +40,16 @@ struct Lecture {
     std::vector<Sample> samples;
 };
 
+/// Pictures of one track.
+struct PictureTrack {
+    VideoTrackConfig config;
+    std::vector<Sample> samples;
+};
+
+/// Encodes the picture source that ffmpeg knows as `source` ("color=red:size=320x240:rate=10"); one key frame, at the
+/// beginning.
+PictureTrack MakePictures(const std::string& source, int seconds);
+
 /// Four seconds; made once per process.
 const Lecture& ShortLecture();
 

@@ -87,10 +87,10 @@ void AppendTrackHead(Bytes& entry, std::uint64_t number, std::uint64_t type, std
     AppendBinary(entry, kCodecPrivate, codecPrivate);
 }
 
-Bytes VideoEntry(const VideoTrackConfig& video) {
+Bytes VideoEntry(const VideoTrackConfig& video, std::uint64_t number) {
     constexpr std::uint64_t kProgressive = 2;
     Bytes entry;
-    AppendTrackHead(entry, 1, 1, "V_MPEG4/ISO/AVC", video.avcC);
+    AppendTrackHead(entry, number, 1, "V_MPEG4/ISO/AVC", video.avcC);
     Bytes settings;
     AppendUnsigned(settings, kFlagInterlaced, kProgressive);
     AppendUnsigned(settings, kPixelWidth, static_cast<std::uint64_t>(video.width));
@@ -124,8 +124,12 @@ Bytes BitRateTag(int bitsPerSecond) {
     return children;
 }
 
+bool IsUsable(const VideoTrackConfig& video) {
+    return video.width > 0 && video.height > 0 && !video.avcC.empty();
+}
+
 void RequireUsable(const TrackConfigs& tracks) {
-    const bool video = tracks.video.width > 0 && tracks.video.height > 0 && !tracks.video.avcC.empty();
+    const bool video = IsUsable(tracks.video) && (!tracks.webcam || IsUsable(*tracks.webcam));
     const bool audio = !tracks.audio || (tracks.audio->sampleRate > 0 && tracks.audio->channels > 0 &&
                                          !tracks.audio->audioSpecificConfig.empty());
     if (!video || !audio) throw Error(ErrorKind::kBadCall, "The tracks are not described completely.", 0);
@@ -164,8 +168,9 @@ Bytes BuildHead(const Head& head) {
 Bytes BuildTracksRoom(const TrackConfigs& tracks) {
     RequireUsable(tracks);
     Bytes children;
-    AppendBinary(children, kTrackEntry, VideoEntry(tracks.video));
+    AppendBinary(children, kTrackEntry, VideoEntry(tracks.video, 1));
     if (tracks.audio) AppendBinary(children, kTrackEntry, AudioEntry(*tracks.audio));
+    if (tracks.webcam) AppendBinary(children, kTrackEntry, VideoEntry(*tracks.webcam, 3));
     Bytes room;
     AppendCheckedMaster(room, kTracks, children);
     if (tracks.audio && tracks.audio->bitsPerSecond > 0)

@@ -128,8 +128,8 @@ class Scanner {
         if (!block) return false;
         const std::int64_t ms = std::max<std::int64_t>(0, walk.timestamp + block->relativeMs);
         const bool audio = block->track == kAudioTrack;
-        if (!walk.anyBlock && (audio || block->key))
-            walk.cue = CueEntry{ms, cluster, audio ? kAudioTrack : kVideoTrack};
+        const bool screenKey = block->key && block->track == kVideoTrack;
+        if (!walk.anyBlock && (audio || screenKey)) walk.cue = CueEntry{ms, cluster, audio ? kAudioTrack : kVideoTrack};
         walk.anyBlock = true;
         walk.endMs = std::max(walk.endMs, ms + (audio ? m_audioFrameMs : 1));
         return true;

@@ -20,6 +20,7 @@ struct CueEntry {
 
 constexpr std::uint64_t kVideoTrack = 1;
 constexpr std::uint64_t kAudioTrack = 2;
+constexpr std::uint64_t kWebcamTrack = 3;
 
 /// A cluster whose size was never written.
 struct OpenCluster {

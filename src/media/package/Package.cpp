@@ -130,8 +130,9 @@ Emptiness IsEmpty(const std::string& path) {
 }
 
 int VideoAttribute(const std::string& path) {
-    const int width = OpenOurs(path).map.webcamWidth;
-    if (width == 0) return 0;
+    const Opened opened = OpenOurs(path);
+    if (!opened.map.tracks || !opened.map.tracks->webcam) return 0;
+    const int width = opened.map.tracks->webcam->width;
     return width >= 320 ? 4 : width >= 240 ? 2 : 1;
 }
 

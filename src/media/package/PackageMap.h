@@ -29,8 +29,6 @@ struct PackageMap {
     bool ownLayout = false;
     bool headReadable = false;  ///< the elements in front of the media could be read to their end
     std::optional<TrackConfigs> tracks;
-    int webcamWidth = 0;  ///< size of the second video track
-    int webcamHeight = 0;
     std::vector<ebml::Element> fileSets;  ///< the Attachments elements that count
     std::vector<AttachedFile> files;
     std::uint64_t mediaBegin = 0;

@@ -30,6 +30,8 @@ struct AudioTrackConfig {
 struct TrackConfigs {
     VideoTrackConfig video;
     std::optional<AudioTrackConfig> audio;
+    /// The camera's pictures, beside the screen's in `video`.
+    std::optional<VideoTrackConfig> webcam = std::nullopt;
 };
 
 /// The names under which the four stored files and the journal lie in the package.

@@ -20,6 +20,7 @@ class PackageWriter::Impl {
           endMs(startMs),
           lastVideoMs(startMs - 1),
           lastAudioMs(startMs - 1),
+          lastWebcamMs(startMs - 1),
           clusters(*storage, map.fileSize) {
         if (!map.HoldsMedia()) return;
         if (auto known = ReadCues(*storage, *map.cues)) oldCues = *std::move(known);
@@ -56,6 +57,7 @@ class PackageWriter::Impl {
     std::int64_t endMs;
     std::int64_t lastVideoMs;
     std::int64_t lastAudioMs;
+    std::int64_t lastWebcamMs;
     ClusterWriter clusters;
     std::vector<CueEntry> oldCues;
     std::optional<TrackConfigs> tracks;        ///< of media that were there at the opening
@@ -117,6 +119,17 @@ std::int64_t PackageWriter::WriteAudio(std::int64_t positionMs, std::span<const 
     m_impl->anySample = true;
     m_impl->lastAudioMs = ms;
     m_impl->endMs = std::max(m_impl->endMs, ms + AudioFrameMs(m_impl->activeTracks->audio->sampleRate));
+    return ms;
+}
+
+std::int64_t PackageWriter::WriteWebcam(std::int64_t positionMs, bool key, std::span<const std::uint8_t> sample) {
+    m_impl->RequireRecording();
+    if (!m_impl->activeTracks->webcam) throw Error(ErrorKind::kBadCall, "The package has no webcam track.", 0);
+    const std::int64_t ms = std::max(positionMs, m_impl->lastWebcamMs + 1);
+    m_impl->clusters.Write(kWebcamTrack, ms, key, sample);
+    m_impl->anySample = true;
+    m_impl->lastWebcamMs = ms;
+    m_impl->endMs = std::max(m_impl->endMs, ms + 1);
     return ms;
 }
 

@@ -50,6 +50,8 @@ class PackageWriter {
     std::int64_t WriteVideo(std::int64_t positionMs, bool key, std::span<const std::uint8_t> sample);
     /// Adds one access unit; a position before StartMs or not behind the last one is lifted. Returns its position.
     std::int64_t WriteAudio(std::int64_t positionMs, std::span<const std::uint8_t> sample);
+    /// Adds one picture of the webcam; positions as with WriteAudio.
+    std::int64_t WriteWebcam(std::int64_t positionMs, bool key, std::span<const std::uint8_t> sample);
     /// Hands everything given so far to the system: from here on a kill of the process does not cost it. Call it every
     /// 100 ms; nothing else writes samples to the file, but a buffer of 1 MiB that is full.
     void Flush();

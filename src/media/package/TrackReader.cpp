@@ -52,9 +52,8 @@ TrackEntry ReadEntry(IStorage& storage, const Element& element) {
 void AddVideo(const TrackEntry& entry, PackageMap& map) {
     if (!map.tracks) {
         map.tracks = TrackConfigs{{entry.width, entry.height, entry.codecPrivate}, std::nullopt};
-    } else if (map.webcamWidth == 0) {
-        map.webcamWidth = entry.width;
-        map.webcamHeight = entry.height;
+    } else if (!map.tracks->webcam) {
+        map.tracks->webcam = VideoTrackConfig{entry.width, entry.height, entry.codecPrivate};
     }
 }
 
