@@ -1,280 +1,118 @@
 // The player of a published lecture: shows what config.js says, lets the index drive the movie and the movie drive the
-// index. Needs nothing but the files beside it and works without a server.
-(function () {
+// index. Needs nothing but the files beside it and works without a server. The parts are the scripts in player/; here
+// they are put together.
+(function (player) {
   'use strict';
 
-  const TEXTS = {
-    en: {
-      skip: 'Skip to the slides', previous: 'Previous', next: 'Next', speed: 'Speed', slides: 'Slides',
-      search: 'Search the slides', untitled: '(without a title)', noHit: 'No slide has this text.',
-      count: (n) => n === 1 ? '1 slide' : n + ' slides', hits: (n, all) => n + ' of ' + all,
-      now: (sn, all, title) => sn + ' / ' + all + '  ' + title,
-      incomplete: 'This publication is not complete: it was cancelled, failed or is still being made. Publish the ' +
-        'lecture again.',
-      noMovie: 'The movie cannot be played. Check that media.mp4 lies beside this page, and try another browser.'
-    },
-    zh: {
-      skip: '跳到幻灯片目录', previous: '上一张', next: '下一张', speed: '速度', slides: '幻灯片', search: '搜索幻灯片',
-      untitled: '(无标题)', noHit: '没有包含此文字的幻灯片。',
-      count: (n) => n + ' 张', hits: (n, all) => n + ' / ' + all,
-      now: (sn, all, title) => sn + ' / ' + all + '  ' + title,
-      incomplete: '此发布不完整:已取消、失败或仍在制作中。请重新发布课程。',
-      noMovie: '无法播放视频。请检查 media.mp4 是否与本页在同一文件夹,或换一个浏览器。'
-    }
-  };
-  const SPEEDS = [0.5, 0.75, 1, 1.25, 1.5, 1.75, 2];
-  const SKIP_SECONDS = 5;
-  // Half a millisecond: a position in whole milliseconds must not fall short of its picture by a rounding.
-  const NUDGE = 0.5;
-  // After the reader touched the list, it does not scroll by itself for this long.
-  const LEAVE_ALONE_MS = 4000;
-
-  const byId = (id) => document.getElementById(id);
-  const language = /^zh/i.test(navigator.language || '') ? 'zh' : 'en';
-  const texts = TEXTS[language];
-  const video = byId('video');
-  const list = byId('entries');
-  let entries = [];
-  let current = -1;
-  let touchedAt = -Infinity;
-
-  function element(tag, className, text) {
-    const made = document.createElement(tag);
-    if (className) made.className = className;
-    if (text !== undefined) made.textContent = text;
-    return made;
-  }
-
-  function clock(ms) {
-    const seconds = Math.floor(Math.max(ms, 0) / 1000);
-    const two = (n) => String(n).padStart(2, '0');
-    const hours = Math.floor(seconds / 3600);
-    const rest = two(Math.floor(seconds / 60) % 60) + ':' + two(seconds % 60);
-    return hours > 0 ? hours + ':' + rest : rest;
-  }
-
-  function showTrouble(text) {
-    byId('trouble').textContent = text;
-    byId('trouble').hidden = false;
-  }
+  const { byId, clock, nameControl } = player.tools;
+  const { texts } = player;
 
   function applyTexts() {
-    document.documentElement.lang = language === 'zh' ? 'zh-Hans' : 'en';
+    document.documentElement.lang = texts.tag;
     for (const place of document.querySelectorAll('[data-text]')) place.textContent = texts[place.dataset.text];
-    byId('search').placeholder = texts.search;
+    for (const control of document.querySelectorAll('[data-name]')) nameControl(control, texts[control.dataset.name]);
   }
 
-  function showHead(config) {
-    const author = config.author || {};
-    document.title = config.title || document.title;
-    byId('title').textContent = config.title || '';
-    byId('author').textContent = author.name || '';
-    byId('length').textContent = config.duration || '';
+  function showTrouble(text, again) {
+    const box = byId('trouble');
+    box.replaceChildren(player.tools.element('p', '', text));
+    box.hidden = false;
+    if (!again) return;
+    const button = player.tools.element('button', 'plain', texts.again);
+    button.type = 'button';
+    button.addEventListener('click', () => { box.hidden = true; again(); });
+    box.append(button);
+  }
+
+  /// A sentence below the picture, with at most one thing to do about it; an empty one takes it away.
+  function showNotice(text, actText, act) {
+    const button = byId('notice-act');
+    byId('notice-text').textContent = text;
+    byId('notice').hidden = text === '';
+    button.hidden = !act;
+    button.textContent = act ? actText : '';
+    button.onclick = act ? () => { showNotice(''); act(); } : null;
+  }
+
+  function showHead(lecture) {
+    document.title = lecture.title || document.title;
+    byId('title').textContent = lecture.title;
+    byId('author').textContent = lecture.author;
+    byId('length').textContent = lecture.length;
     const photo = byId('photo');
     photo.addEventListener('error', () => { photo.hidden = true; });
-    photo.src = author.photo || 'author.png';
+    photo.src = lecture.photo;
+    document.documentElement.style.setProperty('--wide', String(lecture.width / lecture.height));
+    byId('video').width = lecture.width;
+    byId('video').height = lecture.height;
   }
 
-  function showMovie(config) {
-    const source = (config.src || [])[0] || { src: 'media.mp4' };
-    if (config.width && config.height) {
-      video.width = config.width;
-      video.height = config.height;
-      video.style.aspectRatio = config.width + ' / ' + config.height;
-    }
-    video.poster = config.poster || '';
-    video.addEventListener('error', () => showTrouble(texts.noMovie));
-    video.src = source.src;
+  /// Where the lecture opens: a link's place, else where the reader left off.
+  function opening(lecture, place) {
+    const linked = player.linkTarget(lecture);
+    return linked ? { ...linked, resumed: false } : { ms: place.left, place: -1, resumed: place.left > 0 };
   }
 
-  // --- The index -----------------------------------------------------------------------------------------------------
-
-  function makeEntry(item, hideNumber) {
-    const title = item.title || texts.untitled;
-    const time = Math.max(Number(item.time) || 0, 0);
-    const row = element('li', item.indent === '1' ? 'indented' : '');
-    const button = element('button', 'entry');
-    const name = element('span', 'name', title);
-    button.type = 'button';
-    name.dir = 'auto';
-    button.append(element('span', 'number', hideNumber ? '' : item.sn), name, element('span', 'time', clock(time)));
-    row.append(button);
-    const entry = { row, button, name, title, time, sn: hideNumber ? '' : item.sn };
-    button.addEventListener('click', () => { seekTo(entry.time); showCurrent(entries.indexOf(entry)); });
-    return entry;
-  }
-
-  function buildIndex(config) {
-    const hideNumber = Number(config.hideSN) === 1;
-    entries = (config.index || []).map((item) => makeEntry(item, hideNumber));
-    list.classList.toggle('unnumbered', hideNumber);
-    list.append(...entries.map((entry) => entry.row));
-    byId('count').textContent = texts.count(entries.length);
-  }
-
-  function entryAt(ms) {
-    let found = -1;
-    for (let i = 0; i < entries.length && entries[i].time <= ms; ++i) found = i;
-    return found;
-  }
-
-  function scrollToEntry(entry) {
-    if (performance.now() - touchedAt < LEAVE_ALONE_MS || list.scrollHeight <= list.clientHeight) return;
-    const top = entry.row.offsetTop - list.offsetTop;
-    const bottom = top + entry.row.offsetHeight;
-    if (top >= list.scrollTop && bottom <= list.scrollTop + list.clientHeight) return;
-    const calm = window.matchMedia('(prefers-reduced-motion: reduce)').matches;
-    list.scrollTo({ top: Math.max(0, top - list.clientHeight / 3), behavior: calm ? 'auto' : 'smooth' });
-  }
-
-  function showCurrent(number) {
-    byId('previous').disabled = number < 0;
-    byId('next').disabled = number + 1 >= entries.length;
-    if (number === current) return;
-    if (current >= 0) entries[current].button.removeAttribute('aria-current');
-    current = number;
-    const entry = entries[current];
-    byId('now').textContent = entry ? texts.now(current + 1, entries.length, entry.title) : '';
-    if (!entry) return;
-    entry.button.setAttribute('aria-current', 'true');
-    scrollToEntry(entry);
-  }
-
-  function follow() {
-    const found = entryAt(video.currentTime * 1000 + NUDGE);
-    // Of entries at one place, the one that the reader chose stays current.
-    if (found >= 0 && current >= 0 && entries[found].time === entries[current].time) return;
-    showCurrent(found);
-  }
-
-  function seekTo(ms) {
-    video.currentTime = (ms + NUDGE) / 1000;
-  }
-
-  function stepTo(number) {
-    if (number < 0 || number >= entries.length) return;
-    seekTo(entries[number].time);
-    showCurrent(number);
-  }
-
-  /// Like the button of a music player: back to the slide's begin first, from there to the slide before.
-  function stepBack() {
-    const into = current >= 0 ? video.currentTime * 1000 - entries[current].time : 0;
-    stepTo(into > 2000 || current === 0 ? current : current - 1);
-  }
-
-  // --- Search --------------------------------------------------------------------------------------------------------
-
-  const plain = (text) => text.normalize('NFKC').toLocaleLowerCase();
-
-  function showName(entry, wanted) {
-    const at = wanted ? entry.title.toLocaleLowerCase().indexOf(wanted) : -1;
-    if (at < 0) {
-      entry.name.textContent = entry.title;
-      return;
-    }
-    const end = at + wanted.length;
-    entry.name.replaceChildren(entry.title.slice(0, at), element('mark', '', entry.title.slice(at, end)),
-      entry.title.slice(end));
-  }
-
-  function filter() {
-    const wanted = plain(byId('search').value.trim());
-    let hits = 0;
-    for (const entry of entries) {
-      const hit = plain(entry.title).includes(wanted);
-      entry.row.hidden = !hit;
-      hits += hit ? 1 : 0;
-      showName(entry, wanted);
-    }
-    byId('count').textContent = wanted ? texts.hits(hits, entries.length) : texts.count(entries.length);
-    showNoHit(hits === 0 && entries.length > 0);
-  }
-
-  function showNoHit(show) {
-    const old = list.querySelector('.none');
-    if (old) old.remove();
-    if (show) list.append(element('li', 'none', texts.noHit));
-  }
-
-  function openFirstHit(event) {
-    event.preventDefault();
-    const hit = entries.findIndex((entry) => !entry.row.hidden);
-    if (hit >= 0 && byId('search').value.trim() !== '') stepTo(hit);
-  }
-
-  // --- Keyboard ------------------------------------------------------------------------------------------------------
-
-  function moveInList(event) {
-    const shown = entries.filter((entry) => !entry.row.hidden);
-    const at = shown.findIndex((entry) => entry.button === document.activeElement);
-    const targets = { ArrowDown: at + 1, ArrowUp: at - 1, Home: 0, End: shown.length - 1 };
-    if (at < 0 || !(event.key in targets)) return;
-    event.preventDefault();
-    const target = shown[targets[event.key]];
-    if (target) target.button.focus();
-    else if (event.key === 'ArrowUp') byId('search').focus();
-  }
-
-  function enterList(event) {
-    if (event.key === 'Escape' && event.target.value !== '') {
-      event.preventDefault();
-      event.target.value = '';
-      filter();
-    } else if (event.key === 'ArrowDown') {
-      const first = entries.find((entry) => !entry.row.hidden);
-      if (first) first.button.focus();
-      event.preventDefault();
-    }
-  }
-
-  function pageKey(event) {
-    if (event.ctrlKey || event.altKey || event.metaKey || event.shiftKey) return;
-    if (event.target !== document.body && event.target !== video) return;
-    const onVideo = event.target === video;
-    const acts = {
-      PageDown: () => stepTo(current + 1),
-      PageUp: stepBack,
-      ' ': onVideo ? null : () => { if (video.paused) video.play(); else video.pause(); },
-      ArrowRight: onVideo ? null : () => { video.currentTime += SKIP_SECONDS; },
-      ArrowLeft: onVideo ? null : () => { video.currentTime -= SKIP_SECONDS; }
+  function makeSteps(stage, lecture, slides) {
+    const open = (place) => {
+      const entry = lecture.entries[place];
+      if (!entry) return;
+      stage.seek(entry.time);
+      slides.show(place);
     };
-    if (!acts[event.key]) return;
-    event.preventDefault();
-    acts[event.key]();
+    /// Like the button of a music player: back to the slide's begin first, from there to the slide before.
+    const previous = () => {
+      const place = slides.current();
+      const into = place >= 0 ? stage.now() - lecture.entries[place].time : 0;
+      open(into > 2000 || place === 0 ? place : place - 1);
+    };
+    return { open, previous, next: () => open(slides.current() + 1), begin: () => stage.seek(0),
+      last: () => open(lecture.entries.length - 1) };
   }
 
-  // --- Speed ---------------------------------------------------------------------------------------------------------
-
-  function readSpeed() {
-    try { return Number(localStorage.getItem('kestrum-speed')) || 1; } catch (refused) { return 1; }
+  /// The index follows the movie; where the browser tells of each picture, to the picture.
+  function follow(stage, slides) {
+    const { video } = stage;
+    const look = () => slides.follow(stage.now());
+    for (const event of ['timeupdate', 'seeking', 'loadedmetadata']) video.addEventListener(event, look);
+    if (!video.requestVideoFrameCallback) return;
+    const each = () => { look(); video.requestVideoFrameCallback(each); };
+    video.requestVideoFrameCallback(each);
   }
 
-  function keepSpeed(speed) {
-    try { localStorage.setItem('kestrum-speed', String(speed)); } catch (refused) { /* a private window keeps nothing */ }
+  function setUp(lecture) {
+    let steps = null;
+    const loading = (percent) => showNotice(percent < 100 ? texts.loading(percent + ' %') : '');
+    const stage = player.makeStage(byId('video'), lecture,
+      { trouble: showTrouble, loading, noJump: () => showNotice(texts.noJump) });
+    const pictures = player.makePictures(lecture, stage);
+    const slides = player.makeSlides(lecture, pictures, (place) => steps.open(place));
+    steps = makeSteps(stage, lecture, slides);
+    const search = player.makeSearch(slides, steps.open);
+    const captions = player.makeCaptions(stage.video, window.captions);
+    const controls = player.makeControls(stage, lecture, steps);
+    const link = player.makeLink(stage, lecture, slides.current);
+    const keys = player.makeKeys({ stage, ...steps, ...controls, captions: captions.any ? captions.toggle : null,
+      link: link.open, search: search.focus, look: player.look.toggle });
+    player.makeTimeline(stage, lecture, pictures, keys.onSlider);
+    player.makeQuiz(stage, window.quiz, window.quizLang);
+    return { stage, slides, steps, pictures };
   }
 
-  function setUpSpeed() {
-    const choice = byId('speed');
-    for (const speed of SPEEDS) choice.append(new Option(speed + ' ×', String(speed)));
-    const wanted = readSpeed();
-    choice.value = String(SPEEDS.includes(wanted) ? wanted : 1);
-    const apply = () => { video.playbackRate = video.defaultPlaybackRate = Number(choice.value); };
-    choice.addEventListener('change', () => { apply(); keepSpeed(choice.value); });
-    apply();
-  }
-
-  function connect() {
-    for (const event of ['timeupdate', 'seeking', 'loadedmetadata']) video.addEventListener(event, follow);
-    byId('previous').addEventListener('click', stepBack);
-    byId('next').addEventListener('click', () => stepTo(current + 1));
-    byId('search').addEventListener('input', filter);
-    byId('search').addEventListener('keydown', enterList);
-    byId('search-form').addEventListener('submit', openFirstHit);
-    list.addEventListener('keydown', moveInList);
-    for (const event of ['pointerdown', 'wheel', 'touchmove', 'keydown'])
-      list.addEventListener(event, () => { touchedAt = performance.now(); }, { passive: true });
-    document.addEventListener('keydown', pageKey);
+  function openLecture(lecture) {
+    const { stage, slides, steps, pictures } = setUp(lecture);
+    const place = player.makePlace(lecture);
+    const start = opening(lecture, place);
+    place.watch(stage);
+    follow(stage, slides);
+    stage.load(start.ms, pictures.start);
+    slides.show(start.place >= 0 ? start.place : lecture.at(start.ms));
+    if (start.resumed) showNotice(texts.resumed(clock(start.ms)), texts.fromBegin, steps.begin);
+    window.addEventListener('hashchange', () => {
+      const wanted = player.linkTarget(lecture);
+      if (!wanted) return;
+      if (wanted.place >= 0) steps.open(wanted.place); else stage.seek(wanted.ms);
+    });
   }
 
   applyTexts();
@@ -284,10 +122,7 @@
     showTrouble(texts.incomplete);
     return;
   }
-  showHead(window.config);
-  showMovie(window.config);
-  buildIndex(window.config);
-  setUpSpeed();
-  connect();
-  follow();
-})();
+  const lecture = player.readLecture(window.config, texts);
+  showHead(lecture);
+  openLecture(lecture);
+})(window.player);

@@ -148,8 +148,10 @@ async function checkKeyboard(page, titles) {
   await page.keyboard.press('Enter');
   await waitUntil(page, (last) => document.querySelectorAll('.entry')[last].getAttribute('aria-current') === 'true',
     titles.length - 1, 'Enter on the last entry does not open it');
-  const names = await page.evaluate(() => [...document.querySelectorAll('button, input, select')].map((control) =>
-    (control.textContent.trim() || control.labels?.[0]?.textContent || '').trim()));
+  const names = await page.evaluate(() => [...document.querySelectorAll('button, input, select')]
+    .filter((control) => control.checkVisibility())
+    .map((control) => (control.getAttribute('aria-label') || control.textContent.trim() ||
+      control.labels?.[0]?.textContent || '').trim()));
   check(names.every((name) => name !== ''), 'a control has no name for assistive programs');
 }
 

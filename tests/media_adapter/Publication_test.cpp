@@ -101,8 +101,8 @@ TEST_F(PublicationTest, Publish_LeavesWhatThePlayerNeedsAndNothingElse) {
     std::vector<std::string> names;
     for (const auto& entry : fs::directory_iterator(Package() + ".mp4")) names.push_back(entry.path().filename());
     std::sort(names.begin(), names.end());
-    EXPECT_EQ(names, (std::vector<std::string>{"author.png", "config.js", "cover.jpg", "index.html", "media.mp4",
-                                               "player.css", "player.js", "ques_config.js"}));
+    EXPECT_EQ(names, (std::vector<std::string>{"author.png", "captions.js", "config.js", "cover.jpg", "index.html",
+                                               "media.mp4", "player", "player.css", "player.js", "ques_config.js"}));
 }
 
 TEST_F(PublicationTest, Publish_MakesAKeyFrameAtEachEntry) {
