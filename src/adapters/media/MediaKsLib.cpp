@@ -233,7 +233,7 @@ std::int32_t MediaKsLib::SetExtendDataInProject(const String& package, const hos
 }
 
 std::int32_t MediaKsLib::GetECTState(const String& package) {
-    return AskNumber(Kind::kFormatVersion, package, -1) < 0 ? -1 : 0;
+    return AskNumber(Kind::kEncrypted, package, -1);
 }
 
 std::int32_t MediaKsLib::verifyKsFile(const String& package) {

@@ -117,6 +117,10 @@ int FormatVersion(const std::string& path) {
     return OpenForReading(path).map.formatVersion;
 }
 
+bool IsEncrypted(const std::string& path) {
+    return OpenForReading(path).map.encrypted;
+}
+
 Emptiness IsEmpty(const std::string& path) {
     try {
         const Opened opened = OpenForReading(path);

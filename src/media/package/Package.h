@@ -65,6 +65,8 @@ std::optional<FrameDimensions> FrameSize(const std::string& path);
 std::vector<std::int64_t> KeyFrames(const std::string& path);
 /// Major times 256 plus minor; 0 for what is not one of ours. Throws if the file cannot be read.
 int FormatVersion(const std::string& path);
+/// Whether its pictures and sound must be decrypted first. Throws if the file cannot be read.
+bool IsEncrypted(const std::string& path);
 /// Never throws.
 Emptiness IsEmpty(const std::string& path);
 /// Webcam size class: 0 none, 2 from 240x180, 4 from 320x240, 1 below.

@@ -29,6 +29,8 @@ struct PackageMap {
     bool ownLayout = false;
     bool headReadable = false;  ///< the elements in front of the media could be read to their end
     std::optional<TrackConfigs> tracks;
+    bool encrypted = false;               ///< a track says that its blocks are; see legacy/BlockCipher.h
+    Bytes encryptionKey;                  ///< empty if the package does not hold it
     std::vector<ebml::Element> fileSets;  ///< the Attachments elements that count
     std::vector<AttachedFile> files;
     std::uint64_t mediaBegin = 0;

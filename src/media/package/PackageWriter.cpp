@@ -22,6 +22,8 @@ class PackageWriter::Impl {
           lastAudioMs(startMs - 1),
           lastWebcamMs(startMs - 1),
           clusters(*storage, map.fileSize) {
+        if (map.encrypted)
+            throw Error(ErrorKind::kNotAPackage, "The package is encrypted. Decrypt it first (ksECT).", 0);
         if (!map.HoldsMedia()) return;
         if (auto known = ReadCues(*storage, *map.cues)) oldCues = *std::move(known);
         tracks = map.tracks;

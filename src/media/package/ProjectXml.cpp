@@ -4,22 +4,13 @@
 #include <charconv>
 #include <cstdio>
 #include <iterator>
-#include <pugixml.hpp>
 #include <set>
-#include <sstream>
+
+#include "media/package/ProjectText.h"
 
 namespace kestrum::media {
 
 namespace {
-
-/// Line breaks inside texts are kept as they stand; blanks between elements are dropped and written anew.
-constexpr unsigned kParseMode =
-    (pugi::parse_default | pugi::parse_declaration | pugi::parse_comments | pugi::parse_pi | pugi::parse_doctype) &
-    ~pugi::parse_eol;
-
-bool Parse(pugi::xml_document& document, const Bytes& projectFile) {
-    return document.load_buffer(projectFile.data(), projectFile.size(), kParseMode) && document.document_element();
-}
 
 pugi::xml_node IndexNode(const pugi::xml_document& document) {
     return document.document_element().child("project").child("index");
@@ -67,32 +58,12 @@ std::vector<JournalEntry> Recorded(const std::vector<JournalEntry>& journal, std
     return recorded;
 }
 
-/// Serialised as the project file is always written: a line break between tags that touch, nothing else. A CR by itself
-/// separates the paragraphs of a title; it becomes a reference, since readers turn a plain one into LF.
-Bytes Serialise(const pugi::xml_document& document) {
-    std::ostringstream stream;
-    document.save(stream, "", pugi::format_raw | pugi::format_no_declaration, pugi::encoding_utf8);
-    const std::string text = stream.str();
-    Bytes bytes;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] == '\r' && (i + 1 == text.size() || text[i + 1] != '\n')) {
-            for (const char c : std::string_view("&#13;")) bytes.push_back(static_cast<std::uint8_t>(c));
-            continue;
-        }
-        bytes.push_back(static_cast<std::uint8_t>(text[i]));
-        if (text[i] != '>' || i + 1 == text.size() || text[i + 1] != '<') continue;
-        bytes.push_back('\r');
-        bytes.push_back('\n');
-    }
-    return bytes;
-}
-
 MergedProject Finish(pugi::xml_document& document, pugi::xml_node index, std::int64_t lengthMs, int withoutMedia) {
     pugi::xml_attribute duration = index.attribute("duration");
     if (!duration) duration = index.prepend_attribute("duration");
     duration = DurationText(lengthMs).c_str();
     const auto items = index.children();
-    return {Serialise(document), static_cast<int>(std::distance(items.begin(), items.end())), withoutMedia};
+    return {SerialiseProject(document), static_cast<int>(std::distance(items.begin(), items.end())), withoutMedia};
 }
 
 /// The first item behind `ms`, where one for `ms` goes in front.
@@ -107,7 +78,7 @@ pugi::xml_node FirstBehind(pugi::xml_node index, std::int64_t ms) {
 std::vector<ChapterMark> ChapterMarksOf(const Bytes& projectFile) {
     pugi::xml_document document;
     std::vector<ChapterMark> marks;
-    if (!Parse(document, projectFile)) return marks;
+    if (!ParseProject(document, projectFile)) return marks;
     for (const pugi::xml_node& item : IndexNode(document).children()) {
         const auto ms = ParseNumber(item.child_value("pos"));
         if (ms && *ms >= 0 && *ms <= 0x7FFFFFFF) marks.push_back({*ms, item.child_value("title")});
@@ -118,7 +89,7 @@ std::vector<ChapterMark> ChapterMarksOf(const Bytes& projectFile) {
 std::optional<MergedProject> ReplaceIndex(const Bytes& projectFile, const std::vector<JournalEntry>& journal,
                                           std::int64_t lengthMs) {
     pugi::xml_document document;
-    if (!Parse(document, projectFile)) return std::nullopt;
+    if (!ParseProject(document, projectFile)) return std::nullopt;
     pugi::xml_node index = RequireIndex(document);
     if (!index) return std::nullopt;
     index.remove_children();
@@ -131,7 +102,7 @@ std::optional<MergedProject> ReplaceIndex(const Bytes& projectFile, const std::v
 std::optional<MergedProject> AddToIndex(const Bytes& projectFile, const std::vector<JournalEntry>& journal,
                                         std::int64_t lengthMs) {
     pugi::xml_document document;
-    if (!Parse(document, projectFile)) return std::nullopt;
+    if (!ParseProject(document, projectFile)) return std::nullopt;
     pugi::xml_node index = RequireIndex(document);
     if (!index) return std::nullopt;
     std::set<std::int64_t> known;

@@ -76,6 +76,12 @@ void Publish(const std::string& temporary, const std::string& path, FileStorage:
     ThrowSystem("Cannot create", path, errorNumber);
 }
 
+/// A file that takes the place of another is for the same readers.
+void KeepPermissions(const std::string& path, int descriptor) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) == 0) fchmod(descriptor, status.st_mode & 07777);
+}
+
 void SyncFolderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     const std::string folder = slash == std::string::npos ? "." : path.substr(0, slash + 1);
@@ -104,6 +110,7 @@ std::unique_ptr<FileStorage> FileStorage::Create(const std::string& path, Collis
     std::unique_ptr<FileStorage> storage(new FileStorage(descriptor, path));
     try {
         storage->LockExclusive();
+        if (collision == Collision::kReplace) KeepPermissions(path, descriptor);
         fill(*storage);
         storage->Sync();
         Publish(temporary, path, collision);

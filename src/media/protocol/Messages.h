@@ -48,6 +48,7 @@ enum class Kind : std::uint16_t {
     kCancel = 59,          ///< Nothing -> Nothing: ends a kVerifyWhole or kInspect early
     kDrawFit = 60,         ///< TwoPaths -> Nothing: draws one picture into another
     kInspect = 61,         ///< InspectRequest -> Inspection; sends kProgress; changes nothing
+    kEncrypted = 62,       ///< Text -> Number, 1 if the media must be decrypted first
 };
 
 struct Nothing {

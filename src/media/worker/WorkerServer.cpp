@@ -141,6 +141,7 @@ void WorkerServer::AddPackageHandlers() {
     On<Text>(Kind::kLength, [](const Text& path) { return Number{LengthMs(path.value)}; });
     On<Text>(Kind::kFrameSize, [](const Text& path) { return AskSize(path.value); });
     On<Text>(Kind::kKeyFrames, [](const Text& path) { return protocol::NumberList{KeyFrames(path.value)}; });
+    On<Text>(Kind::kEncrypted, [](const Text& path) { return Number{IsEncrypted(path.value) ? 1 : 0}; });
     On<Text>(Kind::kFormatVersion, [](const Text& path) { return Number{FormatVersion(path.value)}; });
     On<Text>(Kind::kEmptiness, [](const Text& path) { return Number{static_cast<int>(IsEmpty(path.value))}; });
     On<Text>(Kind::kVideoAttribute, [](const Text& path) { return Number{VideoAttribute(path.value)}; });
