@@ -116,6 +116,27 @@ TEST_F(ConvertTest, Convert_OfASinglePicture_HasOneForTheCover) {
     EXPECT_NEAR(DurationOf(File("media.mp4")), DurationOf(package), 0.05);
 }
 
+/// The command by which the cover of a publication is taken.
+bool CoverCanBeTaken(const std::string& movie, const std::string& cover) {
+    real::Run({"ffmpeg", "-v", "error", "-y", "-i", movie, "-ss", "0.1", "-vframes", "1", "-f", "image2", cover});
+    return std::filesystem::exists(cover);
+}
+
+TEST_F(ConvertTest, Convert_WithAnotherSize_GivesTheFirstStillSlideForTheCover) {
+    auto request = Request(MakeRecording("lecture.ktr", {.still = true}));
+    request.width = 240;
+    request.height = 180;
+    ASSERT_EQ(ConvertToMp4(request, {}), ConvertOutcome::kFinished);
+    ASSERT_TRUE(CoverCanBeTaken(request.output, File("cover.png")));
+    real::Run({"ffmpeg", "-v", "error", "-y", "-i", request.output, "-vframes", "1", File("first.png")});
+    const auto likeness = real::Run({"ffmpeg", "-v", "error", "-i", File("cover.png"), "-i", File("first.png"),
+                                     "-lavfi", "ssim=stats_file=-", "-f", "null", "-"})
+                              .output;
+    const std::size_t at = likeness.find("All:");
+    ASSERT_NE(at, std::string::npos) << likeness;
+    EXPECT_GT(std::atof(likeness.c_str() + at + 4), 0.98);
+}
+
 TEST_F(ConvertTest, Convert_WritesTheEntriesAsChapters) {
     auto request = Request(MakeRecording("lecture.ktr", {}));
     request.entries = {{0, "Start"}, {2000, "关键帧是什么?"}};

@@ -65,7 +65,7 @@ void AudioEncode::Take(AVPacket& packet) {
     Decode(&packet);
 }
 
-void AudioEncode::Finish() {
+void AudioEncode::Finish(std::int64_t /*lengthMs*/) {
     Decode(nullptr);
     EncodeQueued(true);
     Encode(nullptr);

@@ -14,7 +14,7 @@ class AudioEncode : public TrackJob {
     /// `kbps`: wished bitrate; raised to what keeps speech clear (64 for one channel, 96 for more).
     AudioEncode(const AVStream& source, int kbps, Mp4Output& output);
     void Take(AVPacket& packet) override;
-    void Finish() override;
+    void Finish(std::int64_t lengthMs) override;
 
   private:
     void OpenEncoder(const AVCodecParameters& source, int kbps);

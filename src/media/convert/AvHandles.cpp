@@ -58,7 +58,7 @@ AvHandle<AVFormatContext> OpenInput(const std::string& path) {
     return input;
 }
 
-AvHandle<AVCodecContext> OpenDecoder(const AVStream& stream) {
+AvHandle<AVCodecContext> OpenDecoder(const AVStream& stream, int threadType) {
     const AVCodec* codec = avcodec_find_decoder(stream.codecpar->codec_id);
     if (codec == nullptr)
         throw Error(ErrorKind::kNotAPackage,
@@ -67,6 +67,7 @@ AvHandle<AVCodecContext> OpenDecoder(const AVStream& stream) {
     CheckAv(avcodec_parameters_to_context(decoder.get(), stream.codecpar), "set up the decoder");
     decoder->pkt_timebase = stream.time_base;
     decoder->thread_count = 0;
+    decoder->thread_type = threadType;
     CheckAv(avcodec_open2(decoder.get(), codec, nullptr), "open the decoder");
     return decoder;
 }

@@ -40,7 +40,7 @@ AvHandle<AVFrame> NewFrame();
 /// Opens a file for reading and finds its streams. Failures as CheckAv.
 AvHandle<AVFormatContext> OpenInput(const std::string& path);
 
-/// A decoder for `stream` in as many threads as the machine has.
-AvHandle<AVCodecContext> OpenDecoder(const AVStream& stream);
+/// A decoder for `stream` in as many threads as the machine has, at work in the ways of `threadType` (FF_THREAD_...).
+AvHandle<AVCodecContext> OpenDecoder(const AVStream& stream, int threadType = FF_THREAD_FRAME | FF_THREAD_SLICE);
 
 }  // namespace kestrum::media

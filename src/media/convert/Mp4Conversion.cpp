@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "media/convert/AudioEncode.h"
@@ -10,7 +11,7 @@
 #include "media/convert/PackageInput.h"
 #include "media/convert/TrackCopy.h"
 #include "media/convert/VideoEncode.h"
-#include "media/package/Error.h"
+#include "media/convert/VideoMix.h"
 
 namespace kestrum::media {
 
@@ -28,17 +29,36 @@ bool KeepsSize(const ConvertRequest& request, const AVCodecParameters& source) {
            (request.width == source.width && request.height == source.height);
 }
 
-std::unique_ptr<TrackJob> MakeVideoJob(const ConvertRequest& request, const std::vector<ConvertEntry>& entries,
-                                       const PackageInput& input, Mp4Output& output) {
+/// How the pictures of a conversion come about.
+struct PicturePlan {
+    VideoEncodeSettings settings;
+    CameraArea camera;  ///< empty for none
+    bool copy = false;
+};
+
+PicturePlan PlanPictures(const ConvertRequest& request, const std::vector<ConvertEntry>& entries,
+                         const PackageInput& input) {
     const AVCodecParameters& source = *input.Video().codecpar;
     const bool sameSize = KeepsSize(request, source);
-    const bool copy = source.codec_id == AV_CODEC_ID_H264 && request.videoKbps <= 0 && sameSize &&
-                      EntriesOnKeyFrames(input, entries) && HasPictureFrom(request.package, kCoverMs);
-    if (copy) return std::make_unique<VideoCopy>(input.Video(), output);
+    PicturePlan plan;
     // H.264 in 4:2:0 needs even sides.
-    const VideoEncodeSettings settings{(sameSize ? source.width : request.width) / 2 * 2,
-                                       (sameSize ? source.height : request.height) / 2 * 2, request.videoKbps};
-    return std::make_unique<VideoEncode>(input.Video(), settings, KeyFramePlan(entries, input.LengthMs()), output);
+    plan.settings = {(sameSize ? source.width : request.width) / 2 * 2,
+                     (sameSize ? source.height : request.height) / 2 * 2, request.videoKbps};
+    if (input.Camera() != nullptr) plan.camera = FitInto(request.camera, plan.settings.width, plan.settings.height);
+    plan.copy = source.codec_id == AV_CODEC_ID_H264 && request.videoKbps <= 0 && sameSize && plan.camera.width == 0 &&
+                EntriesOnKeyFrames(input, entries) && HasPictureFrom(request.package, kCoverMs);
+    return plan;
+}
+
+std::unique_ptr<TrackJob> MakeVideoJob(const PicturePlan& plan, const std::vector<ConvertEntry>& entries,
+                                       PackageInput& input, Mp4Output& output) {
+    if (plan.copy) return std::make_unique<VideoCopy>(input.Video(), output);
+    KeyFramePlan keyFrames(entries, input.LengthMs());
+    if (plan.camera.width == 0)
+        return std::make_unique<VideoEncode>(input.Video(), plan.settings, std::move(keyFrames), output);
+    input.ReadCameraToo();
+    return std::make_unique<VideoMix>(VideoMix::Sources{input.Video(), *input.Camera()}, plan.camera, plan.settings,
+                                      std::move(keyFrames), output);
 }
 
 std::unique_ptr<TrackJob> MakeAudioJob(const ConvertRequest& request, const PackageInput& input, Mp4Output& output) {
@@ -58,19 +78,12 @@ std::vector<ConvertEntry> EntriesOf(const ConvertRequest& request, const Package
     return entries;
 }
 
-void RejectCamera(const ConvertRequest& request, const PackageInput& input) {
-    if (input.HasCamera() && request.camera.width > 0 && request.camera.height > 0)
-        throw Error(ErrorKind::kBadCall,
-                    "The webcam picture cannot be placed in the movie yet; publish with the position \"none\".", 0);
-}
-
 class Run {
   public:
     Run(const ConvertRequest& request, const ConvertCallbacks& callbacks)
         : m_callbacks(callbacks), m_input(request.package), m_output(request.output, request.sizeLimit) {
-        RejectCamera(request, m_input);
         const auto entries = EntriesOf(request, m_input);
-        m_video = MakeVideoJob(request, entries, m_input, m_output);
+        m_video = MakeVideoJob(PlanPictures(request, entries, m_input), entries, m_input, m_output);
         m_audio = MakeAudioJob(request, m_input, m_output);
         m_output.Begin(entries, m_input.LengthMs());
     }
@@ -78,18 +91,18 @@ class Run {
     void Work() {
         auto packet = NewPacket();
         while (CheckStop(), m_input.Read(*packet)) TakePacket(*packet);
-        m_video->Finish();
-        if (m_audio) m_audio->Finish();
+        const std::int64_t length = std::max(m_input.LengthMs(), m_position);
+        m_video->Finish(length);
+        if (m_audio) m_audio->Finish(length);
         CheckStop();
-        m_output.Finish(std::max(m_input.LengthMs(), m_position));
+        m_output.Finish(length);
     }
 
   private:
     void TakePacket(AVPacket& packet) {
-        const bool pictures = packet.stream_index == m_input.Video().index;
-        const AVRational timeBase = pictures ? m_input.Video().time_base : m_input.Audio()->time_base;
-        m_position = std::max(m_position, ToMs(packet.pts, timeBase));
-        (pictures ? *m_video : *m_audio).Take(packet);
+        const bool sound = m_input.Audio() != nullptr && packet.stream_index == m_input.Audio()->index;
+        m_position = std::max(m_position, m_input.PositionOf(packet));
+        (sound ? *m_audio : *m_video).Take(packet);
         if (m_callbacks.onPosition) m_callbacks.onPosition(m_position);
     }
 

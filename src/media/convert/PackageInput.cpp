@@ -36,10 +36,14 @@ void PackageInput::PickTracks() {
         } else if (stream->codecpar->codec_type == AVMEDIA_TYPE_AUDIO && m_audio == nullptr) {
             m_audio = stream;
         } else {
-            m_hasCamera = m_hasCamera || pictures;
+            if (pictures && m_camera == nullptr) m_camera = stream;
             stream->discard = AVDISCARD_ALL;
         }
     }
+}
+
+void PackageInput::ReadCameraToo() {
+    if (m_camera != nullptr) m_camera->discard = AVDISCARD_DEFAULT;
 }
 
 bool PackageInput::IsKeyFrame(std::int64_t pos) const {
@@ -60,15 +64,19 @@ std::vector<ConvertEntry> PackageInput::Chapters() const {
     return entries;
 }
 
+std::int64_t PackageInput::PositionOf(const AVPacket& packet) const {
+    return ToMs(packet.pts, m_input->streams[packet.stream_index]->time_base);
+}
+
 bool PackageInput::Read(AVPacket& packet) const {
     while (true) {
         av_packet_unref(&packet);
         const int result = av_read_frame(m_input.get(), &packet);
         if (result == AVERROR_EOF) return false;
         CheckAv(result, "read the recording");
-        const bool wanted =
-            packet.stream_index == m_video->index || (m_audio != nullptr && packet.stream_index == m_audio->index);
-        if (wanted && packet.pts != AV_NOPTS_VALUE) return true;
+        const AVStream& stream = *m_input->streams[packet.stream_index];
+        const bool wanted = &stream == m_video || &stream == m_audio || &stream == m_camera;
+        if (wanted && stream.discard != AVDISCARD_ALL && packet.pts != AV_NOPTS_VALUE) return true;
     }
 }
 

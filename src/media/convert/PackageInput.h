@@ -19,15 +19,18 @@ class PackageInput {
     AVStream& Video() const { return *m_video; }
     /// The sound track, null if there is none.
     AVStream* Audio() const { return m_audio; }
-    /// True if a second track with pictures is there: the webcam's.
-    bool HasCamera() const { return m_hasCamera; }
+    /// The webcam's track, the second with pictures; null if there is none. Read passes it over until it is asked for.
+    AVStream* Camera() const { return m_camera; }
+    void ReadCameraToo();
     std::int64_t LengthMs() const { return m_lengthMs; }
     /// True if a picture at exactly `pos` is a key frame by the file's own list.
     bool IsKeyFrame(std::int64_t pos) const;
     std::vector<ConvertEntry> Chapters() const;
 
-    /// The next packet of either track; false at the end. Packets of other tracks are passed over.
+    /// The next packet of a track; false at the end. Packets of other tracks are passed over.
     bool Read(AVPacket& packet) const;
+    /// Where a packet of Read lies, ms.
+    std::int64_t PositionOf(const AVPacket& packet) const;
 
   private:
     void PickTracks();
@@ -35,7 +38,7 @@ class PackageInput {
     AvHandle<AVFormatContext> m_input;
     AVStream* m_video = nullptr;
     AVStream* m_audio = nullptr;
-    bool m_hasCamera = false;
+    AVStream* m_camera = nullptr;
     std::int64_t m_lengthMs = 0;
 };
 

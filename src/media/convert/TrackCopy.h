@@ -13,7 +13,7 @@ class VideoCopy : public TrackJob {
   public:
     VideoCopy(const AVStream& source, Mp4Output& output);
     void Take(AVPacket& packet) override;
-    void Finish() override {}
+    void Finish(std::int64_t /*lengthMs*/) override {}
 
   private:
     AVRational m_timeBase;
@@ -27,7 +27,7 @@ class AudioCopy : public TrackJob {
   public:
     AudioCopy(const AVStream& source, Mp4Output& output);
     void Take(AVPacket& packet) override;
-    void Finish() override {}
+    void Finish(std::int64_t /*lengthMs*/) override {}
 
   private:
     AVRational m_timeBase;
