@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "adapters/sim/World.h"
+#include "adapters/sim/PackageInspector.h"
 #include "support/JSON.h"
 
 namespace kestrum::app {
@@ -29,7 +29,7 @@ class PackageDescriptionTest : public testing::Test {
     }
     String FailureOf(const String& path) {
         try {
-            Describe(m_context, path);
+            Describe(m_context, m_inspector, path);
         } catch (const host::Error& error) {
             return error.Description();
         }
@@ -37,6 +37,7 @@ class PackageDescriptionTest : public testing::Test {
     }
 
     sim::World m_world;
+    sim::PackageInspector m_inspector{m_world};
     ui::Forms m_forms{m_world.presenter, m_world.loop};
     support::State m_state;
     support::Context m_context{m_world.host(), m_forms, m_state};
@@ -44,7 +45,7 @@ class PackageDescriptionTest : public testing::Test {
 };
 
 TEST_F(PackageDescriptionTest, TellsProjectMediaAndIndex) {
-    const PackageDescription description = Describe(m_context, m_path);
+    const PackageDescription description = Describe(m_context, m_inspector, m_path);
     EXPECT_EQ(description.title, u"Light & lenses");
     EXPECT_EQ(description.author, u"Anna");
     EXPECT_EQ(description.durationMs, 9000);
@@ -61,13 +62,13 @@ TEST_F(PackageDescriptionTest, TellsProjectMediaAndIndex) {
 TEST_F(PackageDescriptionTest, LeavesNoScratchFolderAndThePackageAsItWas) {
     const std::string before = m_world.fs.ReadFile(m_path);
     const auto temp = m_world.shell.Environment(u"temp");
-    Describe(m_context, m_path);
+    Describe(m_context, m_inspector, m_path);
     EXPECT_EQ(m_world.fs.ReadFile(m_path), before);
     EXPECT_TRUE(m_world.fs.ListFolder(temp).empty());
 }
 
 TEST_F(PackageDescriptionTest, Json_NamesTheFieldsInOrder) {
-    const String json = JSON::ToJsonText(ToJson(Describe(m_context, m_path)));
+    const String json = JSON::ToJsonText(ToJson(Describe(m_context, m_inspector, m_path)));
     EXPECT_EQ(json.find(u"{\"title\":\"Light & lenses\",\"author\":\"Anna\",\"duration_ms\":9000,\"width\":1920,"
                         u"\"height\":1080,\"stored_files\":[{\"name\":\"project.ksp\",\"size\":"),
               0u);

@@ -101,6 +101,24 @@ InfoRequest ParseInfo(Words& words) {
     return request;
 }
 
+VerifyRequest ParseVerify(Words& words) {
+    VerifyRequest request;
+    while (!words.AtEnd()) {
+        const std::string word = words.Take();
+        if (word == "--repair") {
+            request.repair = true;
+        } else if (word == "--json") {
+            request.json = true;
+        } else if (IsOption(word)) {
+            throw UsageError("verify has no option " + word + ".");
+        } else {
+            TakeOperand(request.package, word, "package");
+        }
+    }
+    if (request.package.empty()) throw UsageError("verify needs a package: kestrum verify PACKAGE.");
+    return request;
+}
+
 }  // namespace
 
 Request ParseCommandLine(const std::vector<std::string>& arguments) {
@@ -110,6 +128,7 @@ Request ParseCommandLine(const std::vector<std::string>& arguments) {
     if (command == "record") return ParseRecord(words);
     if (command == "publish") return ParsePublish(words);
     if (command == "info") return ParseInfo(words);
+    if (command == "verify") return ParseVerify(words);
     if (command == "help" || command == "--help" || command == "-h") return HelpRequest{};
     if (command == "-regpath") return RegisterRequest{};
     if (command == "--version") return VersionRequest{};
@@ -129,6 +148,10 @@ std::string HelpText() {
 
   kestrum info [--json] PACKAGE
       Shows what a package holds: title, length, stored files, index.
+
+  kestrum verify [--repair] [--json] PACKAGE
+      Reads the whole package and tells what is wrong with it, entry by entry; changes nothing.
+      --repair           mends what can be mended; the package as it was is kept beside it
 
   kestrum help | --version
 )";

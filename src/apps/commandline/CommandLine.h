@@ -28,6 +28,13 @@ struct InfoRequest {
     bool json = false;
 };
 
+/// `kestrum verify [--repair] [--json] PACKAGE`
+struct VerifyRequest {
+    std::string package;
+    bool repair = false;
+    bool json = false;
+};
+
 /// `kestrum -regpath PACKAGE`: a recording tells the desktop of its package. The recent list of the settings store has
 /// it by then; this desktop keeps none of its own.
 struct RegisterRequest {};
@@ -35,7 +42,8 @@ struct RegisterRequest {};
 struct HelpRequest {};
 struct VersionRequest {};
 
-using Request = std::variant<RecordRequest, PublishRequest, InfoRequest, RegisterRequest, HelpRequest, VersionRequest>;
+using Request = std::variant<RecordRequest, PublishRequest, InfoRequest, VerifyRequest, RegisterRequest, HelpRequest,
+                             VersionRequest>;
 
 /// The words cannot be understood; what() is the sentence for the user.
 class UsageError : public std::runtime_error {

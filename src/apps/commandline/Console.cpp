@@ -13,19 +13,32 @@ void Console::Result(const std::string& line) {
     std::cout << line << std::endl;
 }
 
+std::ostream& Console::Side() const {
+    return m_resultsOnly ? std::cerr : std::cout;
+}
+
 void Console::Notice(const String& text) {
-    Result(host::ToUtf8(OneLine(text)));
+    EndProgress();
+    Side() << host::ToUtf8(OneLine(text)) << std::endl;
 }
 
 void Console::Progress(const String& text) {
     if (text == m_lastProgress || text.empty()) return;
     m_lastProgress = text;
     if (m_terminal) {
-        std::cout << '\r' << host::ToUtf8(OneLine(text)) << "\x1b[K" << std::flush;
+        Side() << '\r' << host::ToUtf8(OneLine(text)) << "\x1b[K" << std::flush;
         m_progressShown = true;
     } else {
-        std::cout << host::ToUtf8(OneLine(text)) << std::endl;
+        Side() << host::ToUtf8(OneLine(text)) << std::endl;
     }
+}
+
+void Console::Percent(const String& text, std::int32_t percent) {
+    constexpr std::chrono::seconds kQuiet{1};
+    constexpr std::int32_t kStepOfLines = 10;
+    if (std::chrono::steady_clock::now() - m_begun < kQuiet) return;
+    if (!m_terminal) percent -= percent % kStepOfLines;
+    Progress(text + u": " + host::FromUtf8(std::to_string(percent)) + u" %");
 }
 
 void Console::Failure(const String& sentence) {
@@ -34,7 +47,7 @@ void Console::Failure(const String& sentence) {
 }
 
 void Console::EndProgress() {
-    if (m_progressShown) std::cout << std::endl;
+    if (m_progressShown) Side() << std::endl;
     m_progressShown = false;
 }
 

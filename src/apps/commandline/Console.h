@@ -2,6 +2,9 @@
 // failure goes to standard error. Progress overwrites its line on a terminal and is thinned out elsewhere.
 #pragma once
 
+#include <chrono>
+#include <cstdint>
+#include <iosfwd>
 #include <string>
 
 #include "host/String.h"
@@ -18,13 +21,21 @@ class Console {
     void Notice(const String& text);
     /// The state of long work; shown when it differs from the last one.
     void Progress(const String& text);
+    /// The same with a percentage, for work that may be over before anybody has read a line: the first second says
+    /// nothing, and elsewhere than on a terminal only every tenth percent is a line.
+    void Percent(const String& text, std::int32_t percent);
+    /// From now on notices and progress go to standard error, so that standard output holds the result alone.
+    void ResultsOnly() { m_resultsOnly = true; }
     /// The one sentence of a failure.
     void Failure(const String& sentence);
 
   private:
     void EndProgress();
+    std::ostream& Side() const;
 
     bool m_terminal;
+    bool m_resultsOnly = false;
+    std::chrono::steady_clock::time_point m_begun = std::chrono::steady_clock::now();
     bool m_progressShown = false;
     String m_lastProgress;
 };

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <set>
 
-#include "apps/commandline/Texts.h"
+#include "apps/commandline/Diagnosis.h"
+#include "apps/commandline/Scratch.h"
 #include "project/CTime.h"
 #include "support/Collection.h"
 #include "support/Dictionary.h"
@@ -12,32 +13,9 @@
 namespace kestrum::app {
 namespace {
 
-using modGlobal::Join;
-
 [[noreturn]] void Fail(const String& sentence) {
     throw host::Error(host::ErrorNumber::FileNotFound, u"info", sentence);
 }
-
-/// A scratch folder for as long as the object lives.
-class Scratch {
-  public:
-    explicit Scratch(const support::Context& c) : m_c(c) {
-        do {
-            m_path = Join(c, c.host.shell.Environment(u"temp"), u"_ksinfo_" + c.host.fs.TemporaryName());
-        } while (c.host.fs.FolderExists(m_path) || c.host.fs.FileExists(m_path));
-        if (!modGlobal::MakeFolderTree(c, m_path))
-            Fail(Sentence(c, u"msgNoScratch", u"The folder \"%s1\" cannot be made.", {m_path}));
-    }
-    ~Scratch() { modGlobal::DeleteFolder(m_c, m_path); }
-    Scratch(const Scratch&) = delete;
-    Scratch& operator=(const Scratch&) = delete;
-
-    String File(StringView name) const { return Join(m_c, m_path, name); }
-
-  private:
-    const support::Context& m_c;
-    String m_path;
-};
 
 /// The positions in the text that ListIndex writes.
 std::set<std::int64_t> KeyFrames(const support::Context& c, const String& package, const String& listFile) {
@@ -106,29 +84,72 @@ String NumberText(std::int64_t number) {
     return host::FromUtf8(std::to_string(number));
 }
 
+String NoProjectSentence(const support::Context& c) {
+    return Sentence(c, u"msgNoProject", u"The package holds no project file that can be read.");
+}
+
+bool HasDamage(const host::PackageInspection& file, host::DamageKind kind) {
+    return std::any_of(file.damages.begin(), file.damages.end(),
+                       [&](const host::PackageDamage& damage) { return damage.kind == kind; });
+}
+
+/// Throws the sentence about a file that cannot be described.
+void RequireReadable(const support::Context& c, const host::PackageInspection& file, const String& path) {
+    if (const auto refusal = RefusalOf(c, file, path)) Fail(*refusal);
+    for (const FindingKind kind : {FindingKind::FrontDamaged, FindingKind::StoredFilesDamaged}) {
+        const bool front = kind == FindingKind::FrontDamaged;
+        const Finding finding{kind, 0, -1, {}, {}};
+        if (HasDamage(file, front ? host::DamageKind::Front : host::DamageKind::StoredFiles))
+            Fail(WhatOf(c, finding) + u" " + MeansOf(c, finding));
+    }
+    if (!file.hasProject) Fail(NoProjectSentence(c));
+}
+
+void TellState(const support::Context& c, const host::PackageInspection& file, PackageDescription& description) {
+    switch (file.state) {
+        case host::PackageState::Recording:
+            description.state = u"recording";
+            description.stateText = Sentence(c, u"msgStateRecording", u"It is being recorded at the moment.");
+            break;
+        case host::PackageState::Interrupted:
+            description.state = u"interrupted";
+            description.stateText = Sentence(c, u"msgStateInterrupted",
+                                             u"The recording did not come to its end, or the file was cut off; "
+                                             u"what is shown is what is there. kestrum verify tells more.");
+            break;
+        case host::PackageState::Damaged:
+            description.state = u"damaged";
+            description.stateText =
+                Sentence(c, u"msgStateDamaged", u"The file is damaged. kestrum verify tells where.");
+            break;
+        case host::PackageState::Sound:
+        case host::PackageState::Foreign:
+        case host::PackageState::Missing:
+            description.state = u"whole";
+            break;
+    }
+}
+
 }  // namespace
 
-PackageDescription Describe(const support::Context& c, const String& path) {
-    if (!c.host.fs.FileExists(path)) Fail(Sentence(c, u"msgNoPackage", u"There is no package \"%s1\".", {path}));
-    if (c.host.ksLib.GetFileFormatVersion(path) == 0) {
-        Fail(Sentence(c, u"msgNotAPackage", u"\"%s1\" is not a Kestrum package.", {path}));
-    }
-    const Scratch scratch(c);
+PackageDescription Describe(const support::Context& c, host::IPackageInspector& inspector, const String& path) {
+    const host::PackageInspection file = inspector.Inspect(path, false, nullptr);
+    RequireReadable(c, file, path);
+    const Scratch scratch(c, u"_ksinfo_");
     const host::StoredFiles files{scratch.File(u"project.ksp"), scratch.File(u"cursor.gif"), scratch.File(u"photo.gif"),
                                   scratch.File(u"inteIndex.txt")};
-    if (c.host.ksLib.GetExtendDataFromProject(path, files) < 0) {
-        Fail(Sentence(c, u"msgNoProject", u"The package holds no project file that can be read."));
-    }
+    if (c.host.ksLib.GetExtendDataFromProject(path, files) < 0) Fail(NoProjectSentence(c));
     PackageDescription description;
     description.durationMs = c.host.ksLib.GetLength(path);
     c.host.ksLib.GetFileHeaderDim(path, description.width, description.height);
-    for (const String& file : {files.projectFile, files.cursorImage, files.photo, files.indexText}) {
-        if (!c.host.fs.FileExists(file)) continue;
-        description.storedFiles.push_back({modGlobal::FileNameOf(c, file), c.host.fs.FileSize(file)});
+    for (const String& stored : {files.projectFile, files.cursorImage, files.photo, files.indexText}) {
+        if (!c.host.fs.FileExists(stored)) continue;
+        description.storedFiles.push_back({modGlobal::FileNameOf(c, stored), c.host.fs.FileSize(stored)});
     }
     ReadProject(c, files.projectFile, description);
     const std::set<std::int64_t> keyFrames = KeyFrames(c, path, scratch.File(u"media.key"));
     for (EntryDescription& entry : description.index) entry.keyFrame = keyFrames.contains(entry.pos);
+    TellState(c, file, description);
     return description;
 }
 
@@ -141,11 +162,14 @@ Value ToJson(const PackageDescription& description) {
     object->Add(u"height", NumberValue(description.height));
     object->Add(u"stored_files", ListOf(description.storedFiles));
     object->Add(u"index", ListOf(description.index));
+    object->Add(u"state", description.state);
+    object->Add(u"state_text", description.stateText);
     return object;
 }
 
 String ToText(const PackageDescription& description) {
-    String text = u"title:    " + description.title + u"\nauthor:   " + description.author + u"\nlength:   " +
+    const String state = description.stateText.empty() ? String() : u"state:    " + description.stateText + u"\n";
+    String text = state + u"title:    " + description.title + u"\nauthor:   " + description.author + u"\nlength:   " +
                   CTime::GetString(description.durationMs, u"sec") + u"\npicture:  " + NumberText(description.width) +
                   u"x" + NumberText(description.height) + u"\nstored:   ";
     for (const StoredFileDescription& file : description.storedFiles) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "host/IPackageInspector.h"
 #include "support/Context.h"
 #include "support/Value.h"
 
@@ -31,11 +32,15 @@ struct PackageDescription {
     std::int32_t width = 0, height = 0;  ///< 0 without pictures
     std::vector<StoredFileDescription> storedFiles;
     std::vector<EntryDescription> index;
+    /// "whole", "recording", "interrupted" or "damaged", as far as head and tail of the file tell.
+    String state;
+    /// What that means, in a sentence; empty for a whole one.
+    String stateText;
 };
 
 /// Describes the package at `path`. Throws host::Error with a sentence for the user if that cannot be done: no such
-/// file, not a package, no project file in it.
-PackageDescription Describe(const support::Context& c, const String& path);
+/// file, not a package, of another generation, encrypted, damaged in front, no project file in it.
+PackageDescription Describe(const support::Context& c, host::IPackageInspector& inspector, const String& path);
 
 /// The description as a JSON value.
 Value ToJson(const PackageDescription& description);

@@ -16,6 +16,7 @@ class BatchProgram {
 
     host::Host& Host() { return m_host; }
     platform::EventLoop& Loop() { return m_loop; }
+    host::IPackageInspector& Inspector() { return m_media.inspector; }
     UnattendedBox& Box() { return m_box; }
     UnattendedPresenter& Presenter() { return m_presenter; }
     /// The last message that a box or a form showed; empty if there was none.

@@ -1,6 +1,7 @@
 // The media ports, all on one worker process that lives as long as the program.
 #pragma once
 
+#include "adapters/media/MediaInspector.h"
 #include "adapters/media/MediaKsLib.h"
 #include "adapters/media/MediaOptimize.h"
 #include "adapters/media/MediaRecSystemAudio.h"
@@ -20,6 +21,7 @@ struct MediaPorts {
     adapters::MediaKsLib ksLib{worker};
     adapters::MediaOptimize ksOptimize{WorkerProgram(), ksLib};
     adapters::MediaRecSystemAudio recSystemAudio{worker};
+    adapters::MediaInspector inspector{worker};
 };
 
 }  // namespace kestrum::app

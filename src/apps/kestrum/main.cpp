@@ -6,6 +6,7 @@
 #include "apps/kestrum/BatchProgram.h"
 #include "apps/kestrum/PublishCommand.h"
 #include "apps/kestrum/RecordCommand.h"
+#include "apps/kestrum/VerifyPackage.h"
 #include "project/modProject.h"
 
 namespace kestrum::app {
@@ -22,7 +23,7 @@ int RunPortable(Console& console, const Request& request) {
     if (const auto* info = std::get_if<InfoRequest>(&request)) {
         InfoRequest full = *info;
         full.package = host::ToUtf8(FullPath(info->package));
-        return RunInfo(c, console, full);
+        return RunInfo(c, program.Inspector(), console, full);
     }
     console.Result("kestrum " + host::ToUtf8(modProject::GetProgramVersion(c)));
     return 0;
@@ -32,6 +33,7 @@ int Run(Console& console, const std::vector<std::string>& arguments) {
     const Request request = ParseCommandLine(arguments);
     if (const auto* record = std::get_if<RecordRequest>(&request)) return RunRecord(console, *record);
     if (const auto* publish = std::get_if<PublishRequest>(&request)) return RunPublish(console, *publish);
+    if (const auto* verify = std::get_if<VerifyRequest>(&request)) return VerifyPackage(console, *verify);
     if (std::holds_alternative<RegisterRequest>(request)) return 0;
     if (!std::holds_alternative<HelpRequest>(request)) return RunPortable(console, request);
     std::cout << HelpText();
