@@ -8,18 +8,20 @@
 namespace kestrum {
 namespace {
 
-constexpr std::size_t kMostDigits = 28;
-constexpr std::int64_t kMostPlaces = 28;
+/// Power of ten of the first digit at which numbers end.
+constexpr std::int64_t kMostExponent = 1'000'000'000;
+/// Zeros behind the point that Text writes out.
+constexpr std::int64_t kMostLeadingZeros = 28;
 
 bool IsDigit(char16_t unit) {
     return unit >= u'0' && unit <= u'9';
 }
 
-/// A number as it is written, taken apart.
+/// A number as it is written, taken apart: `digits` times 10 to the power of `exponent`.
 struct Written {
     bool negative = false;
-    std::string digits;      ///< of the whole and the places
-    std::int64_t scale = 0;  ///< digits behind the point
+    std::string digits;
+    std::int64_t exponent = 0;
 };
 
 void DropLeadingZeros(std::string& digits) {
@@ -41,6 +43,18 @@ std::string ReadDigits(StringView& text) {
     return digits;
 }
 
+/// The number behind the "e". One of more than 12 digits is as good as the largest of 12: no text is long enough to
+/// balance it with digits.
+std::optional<std::int64_t> ReadExponent(StringView& text) {
+    const bool negative = ReadSign(text);
+    std::string digits = ReadDigits(text);
+    if (digits.empty()) return std::nullopt;
+    DropLeadingZeros(digits);
+    if (digits.size() > 12) digits.assign(12, '9');
+    const std::int64_t size = std::strtoll(digits.c_str(), nullptr, 10);
+    return negative ? -size : size;
+}
+
 std::optional<Written> Read(StringView text) {
     Written number;
     number.negative = ReadSign(text);
@@ -49,31 +63,27 @@ std::optional<Written> Read(StringView text) {
         text.remove_prefix(1);
         const std::string places = ReadDigits(text);
         number.digits += places;
-        number.scale = static_cast<std::int64_t>(places.size());
+        number.exponent = -static_cast<std::int64_t>(places.size());
     }
     if (number.digits.empty()) return std::nullopt;
     if (!text.empty() && (text.front() == u'e' || text.front() == u'E')) {
         text.remove_prefix(1);
-        const bool down = ReadSign(text);
-        std::string exponent = ReadDigits(text);
-        if (exponent.empty()) return std::nullopt;
-        DropLeadingZeros(exponent);
-        const std::int64_t size = std::strtoll(exponent.substr(0, 9).c_str(), nullptr, 10);
-        number.scale += down ? size : -size;
+        const std::optional<std::int64_t> exponent = ReadExponent(text);
+        if (!exponent) return std::nullopt;
+        number.exponent += *exponent;
     }
     if (!text.empty()) return std::nullopt;
     return number;
 }
 
-/// Drops the last `count` digits, half to even.
-void DropDigits(std::string& digits, std::size_t count) {
-    if (count > digits.size()) digits.insert(0, count - digits.size(), '0');
-    const std::string dropped = digits.substr(digits.size() - count);
-    digits.resize(digits.size() - count);
-    const std::string half = "5" + std::string(count - 1, '0');
-    const bool odd = !digits.empty() && (digits.back() - '0') % 2 == 1;
-    if (dropped < half || (dropped == half && !odd)) return;
-    std::size_t i = digits.size();
+/// Keeps the first `count` digits, half to even. A carry out of the first digit leaves "1" and zeros, one digit more.
+void RoundTo(std::string& digits, std::size_t count) {
+    const char next = digits[count];
+    const bool beyondHalf = digits.find_first_not_of('0', count + 1) != std::string::npos;
+    digits.resize(count);
+    const bool odd = (digits.back() - '0') % 2 == 1;
+    if (next < '5' || (next == '5' && !beyondHalf && !odd)) return;
+    std::size_t i = count;
     while (i > 0 && digits[i - 1] == '9') digits[--i] = '0';
     if (i > 0) {
         ++digits[i - 1];
@@ -82,69 +92,63 @@ void DropDigits(std::string& digits, std::size_t count) {
     }
 }
 
-/// Error 6 if more digits stand before the point than a decimal has.
-void CheckWhole(const Written& number) {
-    const auto size = static_cast<std::int64_t>(number.digits.size());
-    if (size - number.scale > static_cast<std::int64_t>(kMostDigits)) {
-        throw host::Error(host::ErrorNumber::Overflow, u"Decimal", u"Overflow");
-    }
-}
-
-/// Fits the digits into the limits; error 6 if the whole part does not.
-void Fit(Written& number) {
-    DropLeadingZeros(number.digits);
-    if (number.digits.empty()) {
-        number.scale = 0;
-        return;
-    }
-    CheckWhole(number);
-    const auto size = static_cast<std::int64_t>(number.digits.size());
-    const std::int64_t surplus = std::max<std::int64_t>(
-        {0, number.scale - kMostPlaces, number.scale > 0 ? size - static_cast<std::int64_t>(kMostDigits) : 0});
-    if (surplus > size) {
-        number.digits.clear();
-    } else if (surplus > 0) {
-        DropDigits(number.digits, static_cast<std::size_t>(surplus));
-    }
-    number.scale -= surplus;
-    CheckWhole(number);  // rounding may have carried into a digit too many
+std::string ExponentText(std::int64_t exponent) {
+    return (exponent < 0 ? "E-" : "E+") + std::to_string(std::abs(exponent));
 }
 
 }  // namespace
 
-Decimal::Decimal(std::int64_t value) : m_negative(value < 0) {
-    m_digits = std::to_string(value);
-    if (m_negative) m_digits.erase(0, 1);
+Decimal::Decimal(std::int64_t value, std::int32_t places) : m_negative(value < 0) {
+    std::string digits = std::to_string(value);
+    if (m_negative) digits.erase(0, 1);
+    SetDigits(std::move(digits), -places);
 }
 
 std::optional<Decimal> Decimal::Parse(StringView text) {
     std::optional<Written> number = Read(text);
     if (!number) return std::nullopt;
-    Fit(*number);
-    while (number->scale > 0 && !number->digits.empty() && number->digits.back() == '0') {
-        number->digits.pop_back();
-        --number->scale;
-    }
     Decimal result;
-    if (number->digits.empty()) return result;
-    if (number->scale < 0) number->digits.append(static_cast<std::size_t>(-number->scale), '0');
     result.m_negative = number->negative;
-    result.m_digits = number->digits;
-    result.m_scale = static_cast<std::int32_t>(std::max<std::int64_t>(number->scale, 0));
+    result.SetDigits(std::move(number->digits), number->exponent);
     return result;
 }
 
-String Decimal::Text() const {
-    std::string text = m_digits;
-    const auto scale = static_cast<std::size_t>(m_scale);
-    if (text.size() <= scale) text.insert(0, scale + 1 - text.size(), '0');
-    if (scale > 0) text.insert(text.size() - scale, ".");
-    if (m_negative) text.insert(0, "-");
-    return String(text.begin(), text.end());
+void Decimal::SetDigits(std::string digits, std::int64_t exponent) {
+    DropLeadingZeros(digits);
+    if (digits.size() > kMostDigits) {
+        exponent += static_cast<std::int64_t>(digits.size() - kMostDigits);
+        RoundTo(digits, kMostDigits);
+    }
+    const std::size_t last = digits.find_last_not_of('0');
+    const std::int64_t first = exponent + static_cast<std::int64_t>(digits.size()) - 1;
+    if (last == std::string::npos || first < -kMostExponent) {
+        *this = {};
+        return;
+    }
+    if (first > kMostExponent) throw host::Error(host::ErrorNumber::Overflow, u"Decimal", u"Overflow");
+    exponent += static_cast<std::int64_t>(digits.size() - last - 1);
+    digits.resize(last + 1);
+    m_digits = std::move(digits);
+    m_exponent = static_cast<std::int32_t>(exponent);
 }
 
-double Decimal::ToDouble() const {
-    return std::strtod(host::ToUtf8(Text()).c_str(), nullptr);
+String Decimal::Text() const {
+    if (m_digits.empty()) return u"0";
+    std::string text = m_digits;
+    const auto size = static_cast<std::int64_t>(text.size());
+    const std::int64_t whole = size + m_exponent;  // digits before the point; below 0, zeros behind it
+    if (whole > static_cast<std::int64_t>(kMostDigits) || whole < -kMostLeadingZeros) {
+        if (size > 1) text.insert(1, ".");
+        text += ExponentText(whole - 1);
+    } else if (whole >= size) {
+        text.append(static_cast<std::size_t>(whole - size), '0');
+    } else if (whole > 0) {
+        text.insert(static_cast<std::size_t>(whole), ".");
+    } else {
+        text.insert(0, "0." + std::string(static_cast<std::size_t>(-whole), '0'));
+    }
+    if (m_negative) text.insert(0, "-");
+    return String(text.begin(), text.end());
 }
 
 }  // namespace kestrum

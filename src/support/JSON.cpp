@@ -1,11 +1,11 @@
 #include "support/JSON.h"
 
-#include <cstdio>
-#include <type_traits>
+#include <algorithm>
+#include <vector>
 
 #include "support/DateText.h"
 #include "support/JsonReader.h"
-#include "support/Numbers.h"
+#include "support/ValueText.h"
 #include "support/cStringBuilder.h"
 
 namespace kestrum::JSON {
@@ -15,37 +15,64 @@ String Quoted(StringView text) {
     return u"\"" + String(text) + u"\"";
 }
 
-/// Default text of a floating point number to the digits that its type tells.
-template <class Number>
-String FloatText(Number value) {
-    constexpr int kDigits = std::is_same_v<Number, float> ? 7 : 15;
-    char buffer[40];
-    const int length = std::snprintf(buffer, sizeof buffer, "%.*G", kDigits, static_cast<double>(value));
-    return String(buffer, buffer + length);
-}
+/// Writes one value; a visitor of Value. Knows the containers that it is in: one that holds itself is written as
+/// nothing there, and so is one that nests deeper than the stack should go.
+class Writer {
+  public:
+    String Write(const Value& value) { return std::visit(*this, value); }
 
-String CurrencyText(const Currency& amount) {
-    return FormatPattern(static_cast<double>(amount.tenThousandths) / 10000.0, u"0.####");
-}
+    String operator()(const Null&) { return u"null"; }
+    String operator()(bool value) { return value ? u"true" : u"false"; }
+    String operator()(const String& value) { return Quoted(EscapeString(value)); }
+    String operator()(const host::DateTime& value) { return Quoted(DateTimeText(value)); }
+    String operator()(const std::shared_ptr<Dictionary>& value) { return WriteContainer(value); }
+    String operator()(const std::shared_ptr<Collection>& value) { return WriteContainer(value); }
+    String operator()(const std::shared_ptr<Array>& value) { return WriteContainer(value); }
+    String operator()(const OtherObject&) { return {}; }
+    template <class Number>
+    String operator()(const Number& value) {
+        return NumberText(value);
+    }
 
-String DictionaryText(Dictionary& dictionary) {
+  private:
+    static constexpr std::size_t kDeepest = 1000;
+
+    template <class Container>
+    String WriteContainer(const std::shared_ptr<Container>& container) {
+        const bool within = std::find(m_open.begin(), m_open.end(), container.get()) != m_open.end();
+        if (!container || within || m_open.size() >= kDeepest) return {};
+        m_open.push_back(container.get());
+        String text = Content(*container);
+        m_open.pop_back();
+        return text;
+    }
+
+    String Content(Dictionary& dictionary);
+    String Content(Collection& collection);
+    String Content(const Array& array) { return WriteArray(array, 0); }
+    String WriteArray(const Array& array, std::size_t dimension);
+
+    std::vector<const void*> m_open;
+};
+
+String Writer::Content(Dictionary& dictionary) {
     cStringBuilder out;
     out.Append(u"{");
     for (const String& key : dictionary.keys()) {
         if (out.Length() > 1) out.Append(u",");
         out.Append(Quoted(key) + u":");
-        out.Append(ToJsonText(dictionary.item(key)));
+        out.Append(Write(dictionary.item(key)));
     }
     out.Append(u"}");
     return out.toString();
 }
 
-String CollectionText(Collection& collection) {
+String Writer::Content(Collection& collection) {
     cStringBuilder out;
     out.Append(u"[");
     for (std::int32_t i = 1; i <= collection.Count(); ++i) {
         if (i > 1) out.Append(u",");
-        out.Append(ToJsonText(collection.Item(i)));
+        out.Append(Write(collection.Item(i)));
     }
     out.Append(u"]");
     return out.toString();
@@ -53,7 +80,7 @@ String CollectionText(Collection& collection) {
 
 /// Writes the dimension's bracket and what is in it. Elements are fetched by one index, so only those of an array with
 /// one dimension are written; more dimensions leave the brackets alone.
-String WriteArray(const Array& array, std::size_t dimension) {
+String Writer::WriteArray(const Array& array, std::size_t dimension) {
     if (dimension == array.dimensions.size()) return {};
     const bool single = array.dimensions.size() == 1;
     const Array::Bounds& bounds = array.dimensions[dimension];
@@ -65,31 +92,12 @@ String WriteArray(const Array& array, std::size_t dimension) {
         if (!single) {
             out.Append(WriteArray(array, dimension + 1));
         } else if (i >= 0 && place < array.elements.size()) {
-            out.Append(ToJsonText(array.elements[place]));
+            out.Append(Write(array.elements[place]));
         }
     }
     out.Append(u"]");
     return out.toString();
 }
-
-struct Writer {
-    String operator()(const Empty&) const { return {}; }
-    String operator()(const Null&) const { return u"null"; }
-    String operator()(bool value) const { return value ? u"true" : u"false"; }
-    String operator()(std::uint8_t value) const { return ToText(value); }
-    String operator()(std::int16_t value) const { return ToText(value); }
-    String operator()(std::int32_t value) const { return ToText(value); }
-    String operator()(float value) const { return FloatText(value); }
-    String operator()(double value) const { return FloatText(value); }
-    String operator()(const Currency& value) const { return CurrencyText(value); }
-    String operator()(const Decimal& value) const { return value.Text(); }
-    String operator()(const String& value) const { return Quoted(EscapeString(value)); }
-    String operator()(const host::DateTime& value) const { return Quoted(DateTimeText(value)); }
-    String operator()(const std::shared_ptr<Dictionary>& value) const { return value ? DictionaryText(*value) : u""; }
-    String operator()(const std::shared_ptr<Collection>& value) const { return value ? CollectionText(*value) : u""; }
-    String operator()(const std::shared_ptr<Array>& value) const { return value ? WriteArray(*value, 0) : u""; }
-    String operator()(const OtherObject&) const { return {}; }
-};
 
 char16_t HexDigit(unsigned value) {
     return static_cast<char16_t>(value < 10 ? u'0' + value : u'A' + (value - 10));
@@ -112,7 +120,7 @@ const String& GetJsonErrors(const support::State& state) {
 }
 
 String ToJsonText(const Value& value) {
-    return std::visit(Writer{}, value);
+    return Writer{}.Write(value);
 }
 
 String EscapeString(StringView text) {

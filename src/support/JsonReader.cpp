@@ -9,6 +9,9 @@ namespace {
 constexpr StringView kLineEnd = u"\r\n";
 constexpr std::size_t kExcerpt = 20;
 constexpr std::int32_t kDeepest = 256;
+/// The error text takes no message beyond this many characters: those that quote the rest of the text, one for each of
+/// its faults, would grow with the square of its length.
+constexpr std::size_t kMostErrors = 1'000'000;
 
 StringView Rest(const Source& source) {
     return source.Next(StringView::npos);
@@ -19,6 +22,7 @@ StringView Tail(const Source& source) {
 }
 
 void Complain(Source& source, StringView message, StringView excerpt) {
+    if (source.errors.size() >= kMostErrors) return;
     source.errors += message;
     source.errors += excerpt;
     source.errors += kLineEnd;
@@ -29,11 +33,18 @@ void ComplainAt(Source& source, StringView what, StringView excerpt) {
     Complain(source, String(what) + u" at position " + position + u" : ", excerpt);
 }
 
+/// A text that nests this deep is not read any further: its rest would only draw one failure a character.
+[[noreturn]] void FailTooDeep(Source& source) {
+    const String position = ToText(static_cast<std::int64_t>(source.position));
+    source.position = source.text.size() + 1;
+    throw host::Error(host::ErrorNumber::Overflow, u"JSON", u"Nested too deep at position " + position);
+}
+
 /// Counts a nested container for as long as it stands. Error 6 beyond the deepest, which saves the stack.
 class Nested {
   public:
     explicit Nested(Source& source) : m_source(source) {
-        if (source.depth >= kDeepest) throw host::Error(host::ErrorNumber::Overflow, u"JSON", u"Nested too deep");
+        if (source.depth >= kDeepest) FailTooDeep(source);
         ++m_source.depth;
     }
     ~Nested() { --m_source.depth; }
