@@ -211,10 +211,27 @@ void frmExportMp4::FixIndexTimes() {
     publish::SnapIndex(m_c.project.g_Project.index, publish::ReadKeyFrames(times));
 }
 
+/// A lecture is published without its captions rather than not at all.
+void frmExportMp4::WriteCaptions() {
+    m_captions = publish::FindCaptions(m_c);
+    lCaptions.SetCaption(m_captions.sentence);
+    if (m_captions.tracks.empty()) return;
+    const auto write = [this](const publish::Captions& captions) {
+        const std::string script = host::ToUtf8(publish::CaptionsScript(m_c.support, captions));
+        m_c.host.fs.WriteFile(OutputFile(u"captions.js"), script);
+    };
+    try {
+        write(m_captions);
+    } catch (const host::Error&) {
+        write({});  // half a script would be an error on the page
+    }
+}
+
 void frmExportMp4::WritePlayerData() {
     const auto write = [this](StringView name, const String& text) {
         m_c.host.fs.WriteFile(OutputFile(name), host::ToUtf8(text));
     };
+    WriteCaptions();
     write(u"config.js", publish::PlayerConfig(m_c.support, m_c.project.g_Project, m_movie.width, m_movie.height));
     write(u"ques_config.js", publish::QuizConfig(m_c));
 }

@@ -1,5 +1,6 @@
 #include "publish/frmExportMp4.h"
 
+#include "publish/SpaceCheck.h"
 #include "publish/modPublish.h"
 #include "support/Numbers.h"
 #include "support/modGlobal.h"
@@ -19,7 +20,7 @@ constexpr std::int32_t kNoWebcam = 4;
 frmExportMp4::frmExportMp4(const publish::Context& c) : Form(c.forms, String(kSection)), m_c(c) {
     SetCaption(u"Publish to MP4");
     for (ui::Control* hidden : std::initializer_list<ui::Control*>{&TxtCustomBitrate, &lBitrateUnit, &lWidth, &txtWidth,
-                                                                   &lHeight, &txtHeight, &chkKeepRatio, &lTip})
+                                                                   &lHeight, &txtHeight, &chkKeepRatio, &lTip, &lSpace})
         hidden->SetVisible(false);
     TxtCustomBitrate.SetAccessibleName(u"Bitrate in kbps");
     ProgressBar1.SetAccessibleName(u"Progress");
@@ -35,7 +36,7 @@ void frmExportMp4::Arrange() {
                           ui::Row({ui::Field(lWidth, txtWidth), ui::Field(lHeight, txtHeight), chkKeepRatio}), lTip,
                           ui::Field(lQuality, cmbQuality, {TxtCustomBitrate, lBitrateUnit}),
                           ui::Row({ui::Field(lWebcam, cmbWebcamPos), ui::Field(lWebcamSize, cmbWebcamSize)}), lNote,
-                          ProgressBar1, txtConvert, ui::Buttons({cmdPublish, cmdCancel})}));
+                          lCaptions, lSpace, ProgressBar1, txtConvert, ui::Buttons({cmdPublish, cmdCancel})}));
 }
 
 void frmExportMp4::Connect() {
@@ -71,6 +72,16 @@ void frmExportMp4::OnLoad() {
     m_edited = m_movie;
     ShowEdited();
     TxtCustomBitrate.SetText(ToText(publish::DefaultBitrate(m_movie)));
+    m_captions = publish::FindCaptions(m_c);
+    lCaptions.SetCaption(m_captions.sentence);
+    ShowSpace();
+}
+
+void frmExportMp4::ShowSpace() {
+    const bool custom = cmbQuality.ListIndex() > 0;
+    const String warning = publish::SpaceWarning(m_c, custom ? publish::AcceptBitrate(TxtCustomBitrate.Text()) : 0);
+    lSpace.SetCaption(warning);
+    lSpace.SetVisible(!warning.empty());
 }
 
 void frmExportMp4::ReadTexts() {
@@ -139,6 +150,7 @@ void frmExportMp4::cmbQuality_Click() {
     const bool custom = cmbQuality.ListIndex() > 0;
     TxtCustomBitrate.SetVisible(custom);
     lBitrateUnit.SetVisible(custom);
+    ShowSpace();
 }
 
 void frmExportMp4::cmbResolution_Click() {
@@ -154,6 +166,7 @@ void frmExportMp4::cmbWebcamPos_Click() {
 
 void frmExportMp4::TxtCustomBitrate_LostFocus() {
     TxtCustomBitrate.SetText(ToText(publish::AcceptBitrate(TxtCustomBitrate.Text())));
+    ShowSpace();
 }
 
 void frmExportMp4::SizeText_Change() {

@@ -7,6 +7,7 @@
 
 #include <vector>
 
+#include "publish/Captions.h"
 #include "publish/Context.h"
 #include "publish/MovieSize.h"
 #include "ui/Forms.h"
@@ -36,6 +37,9 @@ class frmExportMp4 : public ui::Form {
     ui::Label lWebcamSize{*this, u"lWebcamSize"};
     ui::ComboBox cmbWebcamSize{*this, u"cmbWebcamSize"};
     ui::Label lNote{*this, u"lNote"};
+    /// Ours: what captions come along, and that the disk may be too small (hidden while it is not).
+    ui::Label lCaptions{*this, u"lCaptions"};
+    ui::Label lSpace{*this, u"lSpace"};
     ui::ProgressBar ProgressBar1{*this, u"ProgressBar1"};
     ui::Label txtConvert{*this, u"txtConvert"};
     ui::CommandButton cmdPublish{*this, u"cmdPublish"};
@@ -56,6 +60,7 @@ class frmExportMp4 : public ui::Form {
     void ReadProjectSize();
     void FillLists();
     void FillWebcamLists();
+    void ShowSpace();
     void Arrange();
     void Connect();
 
@@ -88,6 +93,7 @@ class frmExportMp4 : public ui::Form {
     bool ListKeyFrames();
     void RemoveInsertedFiles();
     void FixIndexTimes();
+    void WriteCaptions();
     void WritePlayerData();
     void DeleteTemporaryFiles();
     void SignPage();
@@ -100,6 +106,7 @@ class frmExportMp4 : public ui::Form {
     publish::Context m_c;
     Texts m_texts;
     String m_output;
+    publish::Captions m_captions;
     bool m_cancel = false;
     publish::MovieSize m_movie;   ///< given to the conversion
     publish::MovieSize m_edited;  ///< last accepted in the two boxes
