@@ -1,6 +1,7 @@
 #include "host/String.h"
 
 #include <cstdint>
+#include <type_traits>
 
 namespace kestrum::host {
 namespace {
@@ -63,12 +64,23 @@ bool DecodeAt(std::string_view bytes, std::size_t i, char32_t& c, int& length) {
     return !overlong && c <= 0x10FFFF && !(c >= 0xD800 && c <= 0xDFFF);
 }
 
+/// Where the run of ASCII characters that begins at `i` ends; texts are mostly that.
+template <class Text>
+std::size_t AsciiEnd(const Text& text, std::size_t i) {
+    while (i < text.size() && static_cast<std::make_unsigned_t<typename Text::value_type>>(text[i]) < 0x80) ++i;
+    return i;
+}
+
 }  // namespace
 
 std::string ToUtf8(StringView text) {
     std::string out;
     out.reserve(text.size());
     for (std::size_t i = 0; i < text.size(); ++i) {
+        const StringView ascii = text.substr(i, AsciiEnd(text, i) - i);
+        out.append(ascii.begin(), ascii.end());
+        i += ascii.size();
+        if (i == text.size()) break;
         const char32_t unit = text[i];
         if (IsHighSurrogate(unit) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
             AppendUtf8(out, 0x10000 + ((unit - 0xD800) << 10) + (static_cast<char32_t>(text[i + 1]) - 0xDC00));
@@ -84,6 +96,10 @@ String FromUtf8(std::string_view bytes) {
     String out;
     out.reserve(bytes.size());
     for (std::size_t i = 0; i < bytes.size();) {
+        const std::string_view ascii = bytes.substr(i, AsciiEnd(bytes, i) - i);
+        out.append(ascii.begin(), ascii.end());
+        i += ascii.size();
+        if (i == bytes.size()) break;
         char32_t c = 0;
         int length = 0;
         if (DecodeAt(bytes, i, c, length)) {
@@ -95,6 +111,16 @@ String FromUtf8(std::string_view bytes) {
         }
     }
     return out;
+}
+
+bool IsUtf8(std::string_view bytes) {
+    char32_t c = 0;
+    int length = 0;
+    for (std::size_t i = AsciiEnd(bytes, 0); i < bytes.size(); i = AsciiEnd(bytes, i)) {
+        if (!DecodeAt(bytes, i, c, length)) return false;
+        i += static_cast<std::size_t>(length);
+    }
+    return true;
 }
 
 }  // namespace kestrum::host

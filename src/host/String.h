@@ -18,5 +18,8 @@ std::string ToUtf8(StringView text);
 /// UTF-16 of `bytes`; each byte that is not part of valid UTF-8 becomes U+FFFD.
 String FromUtf8(std::string_view bytes);
 
+/// Every byte is part of valid UTF-8.
+bool IsUtf8(std::string_view bytes);
+
 }  // namespace host
 }  // namespace kestrum

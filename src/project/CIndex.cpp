@@ -31,8 +31,7 @@ void CIndex::Add(String title, String pos, String recDate, String url, String le
 }
 
 void CIndex::Clear() {
-    for (std::int32_t i = count(); i >= 1; --i)
-        if (!items.Item(i).Selected) items.Remove(i);
+    items.RemoveIf([](const CIndexItem& item) { return !item.Selected; });
 }
 
 void CIndex::CopyTo(CIndex& target) const {

@@ -72,15 +72,21 @@ class CProjectFile {
     void SetLastItem(String itemTitle, String pos, String recDate, String url, const String& length,
                      const String& posEnd, bool selected, std::int32_t before);
 
-    /// Writes the object to `file`, to that of the last Load if empty. Once a Load was asked for, entries at or beyond
-    /// the duration are left out and removed. Never throws; a failure shows a box (re-enters) and leaves the old or
-    /// the new file whole, the new one perhaps still under `file` + ".tmp". False only for a file found too short or an
-    /// old one that cannot be deleted.
+    /// Writes the object to `file`, to that of the last Load if empty; either way the name that the last Load was
+    /// asked for stays. Once a Load was asked for, entries at or beyond the duration are left out and removed. Never
+    /// throws; a failure shows a box (re-enters) and leaves the old or the new file whole, the new one perhaps still
+    /// under `file` + ".tmp". False only for a file found too short or an old one that cannot be deleted; an element
+    /// that the document lacks is told, and true.
     bool Save(const String& file);
 
-    /// The last Save or SaveToXml put its whole text on disk. After one that did not, the file may be older than the
-    /// object.
-    bool WasWritten() const { return m_written; }
+    /// What remains to be tried for an object that Save could not write because its document lacks elements: they are
+    /// made, then it is written to the file of the last Load. Silent: Save has told. A document that could not be read
+    /// at all is left alone, its file may hold more than the object.
+    void SaveMended();
+
+    /// Where the last Save, SaveMended or SaveToXml put its whole text: the name asked for, or that + ".tmp" if it
+    /// could not get there. Empty if it is nowhere, and the file older than the object.
+    const String& WrittenTo() const { return m_writtenTo; }
 
     /// Writes the reduced form for the web player. The object is finished afterwards: use an instance of its own.
     bool SaveToXml(const String& file);
@@ -92,7 +98,9 @@ class CProjectFile {
     support::Context m_c;
     /// Set by the first Load: from then on entries beyond the media's end are dropped on Save.
     bool m_dropBeyondEnd = false;
-    bool m_written = false;
+    String m_writtenTo;
+    /// The ".tmp" that could not be moved to its name and is the only whole text; empty as a rule.
+    String m_unmoved;
     /// Shared with a Load that waits for an answer: the object may be loaded or saved anew meanwhile.
     std::shared_ptr<modXml::Document> m_document;
 };

@@ -90,11 +90,11 @@ class CProjectFile::Loader {
         Try([&] { field = Node(path).AttributeAt(0); });
     }
 
-    /// The version and the duration have no default. They are emptied, so that what another file said is not taken for
-    /// this one's: entries beyond the duration are dropped by the next Save.
+    /// The duration has no default. It is emptied, so that what another file said is not taken for this one's: entries
+    /// beyond the duration are dropped by the next Save.
     void SetDefaults() {
         Step(u"set default value");
-        p.ver = p.durationText = u"";
+        p.durationText = u"";
         p.title = String(modLanguage::kProductName) + u" Title";
         p.author = p.manager = p.company = p.category = p.keywords = p.comments = u"";
         p.template_ = u"default";
@@ -206,13 +206,13 @@ class CProjectFile::Loader {
     void ReadIndex() {
         Step(u"index");
         const modXml::Node index = Node(u"project.index");
-        std::vector<modXml::Node> children;
-        Try([&] { children = index.Children(); });
         Step(u"index.duration");
         p.indexType = index ? index.Attribute(u"type").value_or(u"OL") : u"OL";
         Try([&] { p.durationText = Required(index.Attribute(u"duration")); });
         p.RemoveIndex(kAllItems);
         m_skipItem = false;
+        std::vector<modXml::Node> children;
+        Try([&] { children = index.Children(); });
         for (const modXml::Node& child : children) ReadItem(child);
     }
 

@@ -1,7 +1,7 @@
 // Writing a project file: into the tree, through the line-break pass, to a ".tmp", and onto the name only if that is
 // whole.
+#include <limits>
 #include <string>
-#include <vector>
 
 #include "project/CProjectFile.h"
 #include "project/modKspXml.h"
@@ -14,6 +14,9 @@ namespace {
 
 /// A shorter file is a failed write.
 constexpr std::int64_t kShortestFile = 500;
+
+/// Of an entry without a place in the media.
+constexpr std::int32_t kNoPosition = -1;
 
 void RemoveAllOf(std::string& text, std::string_view what) {
     std::string kept;
@@ -29,27 +32,32 @@ void RemoveAllOf(std::string& text, std::string_view what) {
 
 class CProjectFile::Writer {
   public:
-    explicit Writer(CProjectFile& project) : p(project), m_c(project.m_c) {}
+    enum class Form { Whole, Reduced, Mended };
 
-    bool Run(const String& file, bool reduced) {
-        p.m_written = false;
+    Writer(CProjectFile& project, Form form) : p(project), m_c(project.m_c), m_form(form) {}
+
+    bool Run(const String& file) {
+        p.m_writtenTo.clear();
         try {
             WriteAbstract();
             WriteConfigure();
-            if (!reduced) WriteScreen();
-            if (!reduced) WriteScipInfo();
+            if (m_form != Form::Reduced) WriteScreen();
+            if (m_form != Form::Reduced) WriteScipInfo();
             WriteIndex();
-            StoreDocument(file, reduced);
-            p.m_written = m_result;
+            StoreDocument(file);
         } catch (const host::Error& error) {
-            modLog::ShowStepError(m_c, error.Description(), u"ksp.Save");
+            m_c.host.trace.Skipped(error);
+            if (m_form != Form::Mended) modLog::ShowStepError(m_c, error.Description(), u"ksp.Save");
         }
         return m_result;
     }
 
   private:
     void Step(StringView label) const { m_c.support.currentStep = label; }
-    modXml::Node Node(StringView path) const { return modKspXml::SelectXmlPath(*p.m_document, path); }
+    modXml::Node Found(StringView path) const { return modKspXml::SelectXmlPath(*p.m_document, path); }
+    modXml::Node Node(StringView path) const {
+        return m_form == Form::Mended ? modKspXml::MakeXmlPath(*p.m_document, path) : Found(path);
+    }
     void Write(StringView path, const String& text) const { Node(path).SetText(text); }
     void WriteStripped(StringView path, const String& text) const { Write(path, modGlobal::StripControlChars(text)); }
 
@@ -62,6 +70,13 @@ class CProjectFile::Writer {
     }
     static modXml::Node CreateChildElement(const modXml::Node& parent, StringView name, const String& text) {
         return CreateChildElement(parent, name, text, u"", u"");
+    }
+
+    /// The attribute has whatever name the file gives it; one that has to be made gets that of the template.
+    void WriteFirstAttribute(StringView path, StringView nameIfMissing, const String& value) const {
+        modXml::Node node = Node(path);
+        if (m_form == Form::Mended && node.AttributeCount() == 0) node.SetAttribute(nameIfMissing, u"");
+        node.SetAttributeAt(0, value);
     }
 
     void WriteAbstract() const {
@@ -79,9 +94,9 @@ class CProjectFile::Writer {
         Step(u"configure");
         Write(u"project.configure.template", p.template_);
         Write(u"project.configure.photo", p.photo);
-        Node(u"project.configure.photo").SetAttributeAt(0, p.photoSize);
+        WriteFirstAttribute(u"project.configure.photo", u"size", p.photoSize);
         Write(u"project.configure.sound", p.sound);
-        Node(u"project.configure.sound").SetAttributeAt(0, p.soundVolume);
+        WriteFirstAttribute(u"project.configure.sound", u"volume", p.soundVolume);
         Write(u"project.configure.showcursor", p.showcursor);
         Write(u"project.configure.realcursor", p.realcursor);
         Step(u"configure.profile.audio");
@@ -118,30 +133,42 @@ class CProjectFile::Writer {
         CreateChildElement(server, u"contentID", p.contentID);
     }
 
+    /// A stray second index would be the first one afterwards, and be read instead of what is written here.
     modXml::Node RecreateIndexNode() const {
         Step(u"RemoveIndexNode");
         modXml::Node project = Node(u"project");
         Step(u"RemoveChild");
-        if (const modXml::Node old = Node(u"project.index")) project.Remove(old);
+        while (const modXml::Node old = Found(u"project.index")) project.Remove(old);
         Step(u"CreateElement index");
         modXml::Node index = CreateChildElement(project, u"index", u"", u"duration", p.durationText);
         index.SetAttribute(u"type", p.indexType);
         return index;
     }
 
-    /// Entries at or beyond the media's end go, from the file and from memory.
+    /// A duration that cannot be read ends a Save; the last attempt rather keeps every entry.
+    std::int32_t EndOfMedia() const {
+        try {
+            return p.duration();
+        } catch (const host::Error&) {
+            if (m_form != Form::Mended) throw;
+            return std::numeric_limits<std::int32_t>::max();
+        }
+    }
+
+    /// Entries at or beyond the media's end go, from the file and from memory; links have no place in the media and
+    /// stay.
     void WriteIndex() {
         const modXml::Node index = RecreateIndexNode();
-        const std::int32_t end = p.duration();
-        std::vector<std::int32_t> beyond;
-        for (std::int32_t i = 1; i <= p.index.Count(); ++i) {
+        const std::int32_t end = EndOfMedia();
+        const auto isBeyond = [&](const CIndexItem& item) {
+            const std::int32_t pos = p.m_dropBeyondEnd ? ToInt32(item.pos) : kNoPosition;
+            return pos > kNoPosition && pos >= end;
+        };
+        for (const CIndexItem& item : p.index) {
             Step(u"index.item(i)");
-            if (p.m_dropBeyondEnd && ToInt32(p.index.Item(i).pos) >= end)
-                beyond.push_back(i);
-            else
-                WriteItem(index, p.index.Item(i));
+            if (!isBeyond(item)) WriteItem(index, item);
         }
-        for (auto noted = beyond.rbegin(); noted != beyond.rend(); ++noted) p.RemoveIndex(*noted);
+        p.index.RemoveIf(isBeyond);
     }
 
     static void WriteItem(const modXml::Node& index, const CIndexItem& item) {
@@ -153,46 +180,65 @@ class CProjectFile::Writer {
         if (!item.size.empty()) CreateChildElement(element, u"size", item.size);
     }
 
-    void StoreDocument(const String& file, bool reduced) {
+    void StoreDocument(const String& file) {
         Step(u"prepare xmlBuf");
         std::string bytes = modKspXml::BreakLines(p.m_document->Bytes());
-        if (reduced) {
+        if (m_form == Form::Reduced) {
             RemoveAllOf(bytes, "<project>");
             RemoveAllOf(bytes, "</project>");
         }
         Step(u"LoadXML xmlBuf");
         p.m_document = std::make_shared<modXml::Document>(modXml::Document::ParseBytes(bytes));
         Step(u"Save FileName");
-        m_c.host.fs.WriteFile(file + u".tmp", bytes);
-        ReplaceByTmp(file);
+        const String fresh = file + u".tmp";
+        FinishMove(fresh, file);
+        m_c.host.fs.WriteFile(fresh, bytes);
+        Replace(file, fresh);
     }
 
-    void ReplaceByTmp(const String& file) {
-        if (modGlobal::GetFileSizeBytes(m_c, file + u".tmp") < kShortestFile) {
+    /// A move that failed left the only whole text under the ".tmp": it must not be written over.
+    void FinishMove(const String& fresh, const String& file) const {
+        if (p.m_unmoved != fresh) return;
+        host::IFileSystem& fs = m_c.host.fs;
+        if (fs.FileExists(fresh) && !fs.FileExists(file)) fs.MoveFile(fresh, file);
+        p.m_unmoved.clear();
+    }
+
+    void Replace(const String& file, const String& fresh) {
+        if (modGlobal::GetFileSizeBytes(m_c, fresh) < kShortestFile) {
             Refuse(u"Save 'project.ksp' error!");
-        } else if (!modGlobal::SafeDeleteFile(m_c, file)) {
-            Refuse(u"Save 'project.ksp' error! The updated project is saved as 'project.ksp.tmp'");
-        } else {
-            modGlobal::SafeMoveFile(m_c, file + u".tmp", file, true);
+            return;
         }
+        p.m_writtenTo = fresh;
+        if (!modGlobal::SafeDeleteFile(m_c, file))
+            Refuse(u"Save 'project.ksp' error! The updated project is saved as 'project.ksp.tmp'");
+        else if (modGlobal::SafeMoveFile(m_c, fresh, file, true))
+            p.m_writtenTo = file;
+        else
+            p.m_unmoved = fresh;
     }
 
     void Refuse(const String& text) {
-        modMsgBox::MsgBox(m_c, text);
+        if (m_form != Form::Mended) modMsgBox::MsgBox(m_c, text);
         m_result = false;
     }
 
     CProjectFile& p;
     const support::Context& m_c;
+    const Form m_form;
     bool m_result = true;
 };
 
 bool CProjectFile::Save(const String& file) {
-    return Writer(*this).Run(file.empty() ? fileName : file, false);
+    return Writer(*this, Writer::Form::Whole).Run(file.empty() ? fileName : file);
+}
+
+void CProjectFile::SaveMended() {
+    Writer(*this, Writer::Form::Mended).Run(fileName);
 }
 
 bool CProjectFile::SaveToXml(const String& file) {
-    return Writer(*this).Run(file, true);
+    return Writer(*this, Writer::Form::Reduced).Run(file);
 }
 
 }  // namespace kestrum

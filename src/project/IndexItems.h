@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "project/CIndexItem.h"
@@ -23,6 +24,11 @@ class IndexItems {
     /// Throws host::Error 9 outside 1 to Count().
     void Remove(std::int32_t number);
     void RemoveAll() { m_items.clear(); }
+    /// Removes every entry that `condition` holds for, in one pass.
+    template <class Condition>
+    void RemoveIf(Condition&& condition) {
+        std::erase_if(m_items, std::forward<Condition>(condition));
+    }
 
     auto begin() { return m_items.begin(); }
     auto end() { return m_items.end(); }

@@ -40,12 +40,6 @@ void KeepUnsavedCopy(const support::Context& c, const String& projectFile) {
         modGlobal::SafeDeleteFile(c, copy + u".tmp");
 }
 
-/// Where the latest project file lies: a save that was interrupted between deleting and renaming leaves the ".tmp".
-String ProjectFileToStore(const support::Context& c) {
-    const String file = InWorkFolder(c, u"project.ksp");
-    return c.host.fs.FileExists(file) ? file : file + u".tmp";
-}
-
 /// The cursor lies where it was unpacked until the template files are applied.
 String CursorToStore(const support::Context& c) {
     const String cursor = PlayerCursor(c);
@@ -77,7 +71,7 @@ bool Unpack(const support::Context& c) {
 }
 
 void Pack(const Context& c) {
-    const host::StoredFiles files{ProjectFileToStore(c), CursorToStore(c), PhotoFile(c),
+    const host::StoredFiles files{c.project.g_Project.WrittenTo(), CursorToStore(c), PhotoFile(c),
                                   InWorkFolder(c, u"inteIndex.txt")};
     if (!c.host.fs.FileExists(files.projectFile)) return;
     if (Store(c, files) || Store(c, files)) {

@@ -14,6 +14,9 @@ namespace kestrum::modKspXml {
 /// The node at a dotted path from the root element, each part one child step; none if a part is missing. Never fails.
 modXml::Node SelectXmlPath(const modXml::Document& document, StringView path);
 
+/// The same node, made if it is missing, its parents too. Error 91 for a document without a root.
+modXml::Node MakeXmlPath(const modXml::Document& document, StringView path);
+
 /// Text of the node at a dotted path, `fallback` if there is none.
 String GetXmlText(const modXml::Document& document, StringView path, StringView fallback);
 
@@ -21,7 +24,8 @@ String GetXmlText(const modXml::Document& document, StringView path, StringView 
 /// inside a text (it separates the paragraphs of a title) becomes a reference; readers turn a plain one into LF.
 std::string BreakLines(const std::string& xml);
 
-/// Writes the document with BreakLines and without tabs and vertical tabs; `document` becomes what was written. Strict.
+/// Writes the document with BreakLines and without tabs and vertical tabs; `document` becomes what was written. Strict:
+/// a failure is host::Error, and the old file or, under `file` + ".tmp", the new one is whole.
 void SaveXmlPretty(host::IFileSystem& fs, modXml::Document& document, const String& file);
 
 /// The index as the journal that is kept in the package while a recording runs. One line an entry, ended by LF:

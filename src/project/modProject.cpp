@@ -125,10 +125,13 @@ bool LocateProject(const project::Context& c) {
 
 void SaveProject(const project::Context& c) {
     KeepEntriesInReach(c);
-    c.project.g_Project.Save(u"");
+    CProjectFile& file = c.project.g_Project;
+    file.Save(u"");
+    // Told, but what was recorded must not stay in memory for one missing element.
+    if (file.WrittenTo().empty()) file.SaveMended();
     // A project file that could not be written is older than what the package may hold by now: the package keeps its
     // own.
-    if (!c.project.g_Project.WasWritten()) return;
+    if (file.WrittenTo().empty()) return;
     if (!c.support.packagePath.empty()) project::Pack(c);
 }
 

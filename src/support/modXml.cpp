@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <iterator>
 #include <pugixml.hpp>
-#include <sstream>
 
 namespace kestrum::modXml {
 namespace {
@@ -42,10 +41,42 @@ pugi::xml_attribute AttributeAtIndex(const pugi::xml_node& node, std::size_t ind
     throw host::Error(host::ErrorNumber::OutOfRange, u"XML", u"The element has no such attribute");
 }
 
+class TextWriter : public pugi::xml_writer {
+  public:
+    void write(const void* data, std::size_t size) override { text.append(static_cast<const char*>(data), size); }
+    std::string text;
+};
+
+/// Always valid UTF-8, even where a character reference named half a character.
 std::string Serialise(const pugi::xml_node& node) {
-    std::ostringstream out;
+    TextWriter out;
     node.print(out, "", kFormat, pugi::encoding_utf8);
-    return out.str();
+    return host::IsUtf8(out.text) ? std::move(out.text) : ToUtf8(FromUtf8(out.text));
+}
+
+bool FitsXml(char16_t unit) {
+    if (unit < 0x20) return unit == u'\t' || unit == u'\n' || unit == u'\r';
+    return unit != 0xFFFE && unit != 0xFFFF;
+}
+
+/// The text as it can stand in a file. A character that no XML holds would make the whole file unreadable.
+std::string Storable(StringView text) {
+    String kept;
+    kept.reserve(text.size());
+    std::copy_if(text.begin(), text.end(), std::back_inserter(kept), FitsXml);
+    return ToUtf8(kept);
+}
+
+/// Takes a node and all below it out, leaves first: the library's own removal descends once a level and a file can be
+/// nested deeper than the stack.
+void RemoveTree(const pugi::xml_node& top) {
+    const pugi::xml_node end = top.parent();
+    for (pugi::xml_node node = top; node != end;) {
+        while (node.first_child()) node = node.first_child();
+        pugi::xml_node parent = node.parent();
+        parent.remove_child(node);
+        node = parent;
+    }
 }
 
 }  // namespace
@@ -62,8 +93,9 @@ String Node::Text() const {
 
 void Node::SetText(StringView text) {
     pugi::xml_node element = Element(m_body);
-    element.remove_children();
-    if (!text.empty()) element.append_child(pugi::node_pcdata).set_value(ToUtf8(text).c_str());
+    while (const pugi::xml_node child = element.first_child()) RemoveTree(child);
+    const std::string stored = Storable(text);
+    if (!stored.empty()) element.append_child(pugi::node_pcdata).set_value(stored.c_str());
 }
 
 std::vector<Node> Node::Children() const {
@@ -110,7 +142,7 @@ String Node::AttributeAt(std::size_t index) const {
 }
 
 void Node::SetAttributeAt(std::size_t index, StringView value) {
-    AttributeAtIndex(Element(m_body), index).set_value(ToUtf8(value).c_str());
+    AttributeAtIndex(Element(m_body), index).set_value(Storable(value).c_str());
 }
 
 std::optional<String> Node::Attribute(StringView name) const {
@@ -124,7 +156,7 @@ void Node::SetAttribute(StringView name, StringView value) {
     const std::string key = ToUtf8(name);
     pugi::xml_attribute attribute = element.attribute(key.c_str());
     if (!attribute) attribute = element.append_attribute(key.c_str());
-    attribute.set_value(ToUtf8(value).c_str());
+    attribute.set_value(Storable(value).c_str());
 }
 
 Node Node::Append(StringView name) {
@@ -142,7 +174,10 @@ Node Node::InsertBefore(StringView name, const Node& before) {
 }
 
 bool Node::Remove(const Node& child) {
-    return Element(m_body).remove_child(Element(child.m_body));
+    const pugi::xml_node node = Element(child.m_body);
+    if (node.parent() != Element(m_body)) return false;
+    RemoveTree(node);
+    return true;
 }
 
 String Node::Xml() const {
@@ -176,6 +211,7 @@ void DeclareUtf8(pugi::xml_document& document) {
 void Load(pugi::xml_document& document, const std::string& bytes, pugi::xml_encoding encoding) {
     const pugi::xml_parse_result result = document.load_buffer(bytes.data(), bytes.size(), kParse, encoding);
     if (!result) Malformed(std::string(result.description()) + " at byte " + std::to_string(result.offset));
+    if (result.encoding == pugi::encoding_utf8 && !host::IsUtf8(bytes)) Malformed("The text is not in its encoding");
     const auto isElement = [](const pugi::xml_node& node) { return node.type() == pugi::node_element; };
     if (std::count_if(document.begin(), document.end(), isElement) != 1) Malformed("More than one root element");
     DeclareUtf8(document);

@@ -28,7 +28,8 @@ class Node {
     String Name() const;
     /// All text inside the element, its descendants' included, in document order.
     String Text() const;
-    /// Replaces all content by one text.
+    /// Replaces all content by one text. Characters that no XML file can hold (most control characters) are left out,
+    /// here and in attributes.
     void SetText(StringView text);
 
     /// Child elements in order.
@@ -77,8 +78,9 @@ class Document {
     Document(Document&& other) noexcept;
     Document& operator=(Document&& other) noexcept;
 
-    /// Bytes of a file in UTF-8 or UTF-16, with or without a mark. Error 13 with the parser's reason if it is no
-    /// well-formed document with one root.
+    /// Bytes of a file in UTF-8 or UTF-16 (with or without a mark) or in a declared ISO 8859-1. Entities of its own are
+    /// never expanded or fetched: a reference to one stays text. Any depth of nesting is safe. Error 13 with the
+    /// reason if it is no well-formed document with one root, or holds bytes of an encoding that is not known.
     static Document ParseBytes(const std::string& bytes);
     /// The same for a text.
     static Document Parse(StringView text);

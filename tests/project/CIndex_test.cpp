@@ -4,6 +4,7 @@
 
 #include "ProjectWorld.h"
 #include "host/Error.h"
+#include "support/Numbers.h"
 
 namespace kestrum {
 namespace {
@@ -44,6 +45,32 @@ TEST_F(CIndexTest, Clear_KeepsTheSelectedInOrder) {
     EXPECT_EQ(index.items.Item(2).title, u"c");
 }
 
+TEST_F(CIndexTest, Clear_KeepsTheTickedOfAVeryLongList) {
+    for (int i = 0; i < 100000; ++i) Add(ToText(i), ToText(i), u"", i % 2 == 1);
+    index.Clear();
+    ASSERT_EQ(index.count(), 50000);
+    EXPECT_EQ(index.items.Item(1).title, u"1");
+    EXPECT_EQ(index.items.Item(50000).title, u"99999");
+}
+
+TEST_F(CIndexTest, CopyTo_IntoItself_DoublesTheListOnce) {
+    Add(u"a", u"0", u"", true);
+    Add(u"b", u"5000");
+    index.CopyTo(index);
+    ASSERT_EQ(index.count(), 4);
+    EXPECT_EQ(index.items.Item(3).title, u"a");
+    EXPECT_FALSE(index.items.Item(3).Selected);
+}
+
+TEST_F(CIndexTest, CopyTo_AppendsToWhatTheTargetHolds) {
+    Add(u"a", u"0");
+    CIndex target;
+    target.Add(u"first", u"0", u"", u"", u"", u"", true);
+    index.CopyTo(target);
+    ASSERT_EQ(target.count(), 2);
+    EXPECT_TRUE(target.items.Item(1).Selected);
+}
+
 TEST_F(CIndexTest, CopyTo_CopiesAllButSizeAndSelection) {
     Add(u"a", u"0", u"http://x", true);
     index.items.Item(1).size = u"17";
@@ -79,6 +106,26 @@ TEST_F(CIndexTest, UpdateLen_OfAnEmbeddedPlayer_ShowsItsRunningTime) {
     EXPECT_EQ(index.items.Item(1).Length, u"01:05");
 }
 
+TEST_F(CIndexTest, UpdateLen_OfALinkThatNamesAPlayer_ShowsItsMillisecond) {
+    Add(u"link", u"-1", u"http://x/vplayer");
+    Add(u"other", u"-65000", u"http://x");
+    index.UpdateLen(w.world.ksLib, test::ProjectWorld::kPackage);
+    EXPECT_EQ(index.items.Item(1).Length, u"00:00");
+    EXPECT_EQ(index.items.Item(2).Length, u"-") << "no player, no running time";
+    EXPECT_EQ(index.items.Item(1).PosEnd, u"");
+}
+
+TEST_F(CIndexTest, UpdateLen_OfManyEntries_AsksForTheLengthOnce) {
+    w.PutPackage("x", 12000, {0});
+    for (int i = 0; i < 5000; ++i) {
+        Add(u"slide", ToText(i));
+        Add(u"link", u"-1", u"http://x");
+    }
+    index.UpdateLen(w.world.ksLib, test::ProjectWorld::kPackage);
+    EXPECT_EQ(w.world.faults.CountOf(u"ksLib.GetLength"), 1);
+    EXPECT_EQ(index.items.Item(9999).PosEnd, u"12000");
+}
+
 TEST_F(CIndexTest, UpdatePos_LaysPiecesEndToEnd) {
     AddPiece(u"2000", u"3000");
     Add(u"link", u"-1", u"http://x", true);
@@ -105,6 +152,26 @@ TEST_F(CIndexTest, Neighbours_SkipLinks) {
     AddPiece(u"1000", u"4000");
     EXPECT_EQ(index.PrevKsPosEnd(3), 1000);
     EXPECT_EQ(index.NextKsPos(1), 1000);
+}
+
+TEST_F(CIndexTest, Neighbours_TakeTheNearest) {
+    AddPiece(u"0", u"1000");
+    AddPiece(u"1000", u"2000");
+    AddPiece(u"2000", u"3000");
+    AddPiece(u"3000", u"4000");
+    EXPECT_EQ(index.PrevKsPosEnd(3), 2000);
+    EXPECT_EQ(index.NextKsPos(2), 2000);
+    EXPECT_EQ(index.NextKsPos(4), -1);
+    EXPECT_EQ(index.NextKsPos(0), 0);
+    EXPECT_EQ(index.PrevKsPosEnd(5), 4000);
+    EXPECT_THROW(index.PrevKsPosEnd(6), host::Error);
+}
+
+TEST_F(CIndexTest, UpdatePos_RoundsAPieceToWholeMilliseconds) {
+    AddPiece(u"0.5", u"3");
+    index.UpdatePos();
+    EXPECT_EQ(index.items.Item(1).pos, u"0");
+    EXPECT_EQ(index.items.Item(1).PosEnd, u"2");
 }
 
 TEST_F(CIndexTest, APositionThatIsNoNumber_GoesToTheCaller) {

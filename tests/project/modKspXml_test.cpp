@@ -30,12 +30,34 @@ TEST(SelectXmlPath, FollowsTheFirstChildOfEachName) {
     EXPECT_EQ(modKspXml::GetXmlText(document, u"a.c", u"none"), u"none");
 }
 
+TEST(SelectXmlPath, OfADeepPathInADeepDocument_Walks) {
+    std::string xml, path;
+    for (int i = 0; i < 100000; ++i) xml += "<a>";
+    for (int i = 0; i < 100000; ++i) xml += "</a>";
+    for (int i = 1; i < 100000; ++i) path += i == 1 ? "a" : ".a";
+    const modXml::Document document = modXml::Document::ParseBytes(xml);
+    EXPECT_TRUE(modKspXml::SelectXmlPath(document, host::FromUtf8(path)));
+    EXPECT_FALSE(modKspXml::SelectXmlPath(document, host::FromUtf8(path + ".a")));
+}
+
+TEST(MakeXmlPath, MakesWhatIsMissingOnly) {
+    const modXml::Document document = modXml::Document::Parse(u"<r><a><b>1</b></a></r>");
+    EXPECT_EQ(modKspXml::MakeXmlPath(document, u"a.b").Text(), u"1");
+    modKspXml::MakeXmlPath(document, u"a.c.d").SetText(u"2");
+    EXPECT_EQ(document.Xml(), u"<r><a><b>1</b><c><d>2</d></c></a></r>");
+    EXPECT_THROW(modKspXml::MakeXmlPath(modXml::Document(), u"a"), host::Error);
+}
+
+TEST(BreakLines, OfACarriageReturn_KeepsItForTheNextReader) {
+    EXPECT_EQ(modKspXml::BreakLines("<a>x\ry</a>"), "<a>x&#13;y</a>");
+}
+
 TEST(SaveXmlPretty, WritesOneTagALineWithoutTabs) {
     ProjectWorld w;
     modXml::Document document = modXml::Document::Parse(u"<r><a>x\ty</a><b/></r>");
     modKspXml::SaveXmlPretty(w.world.fs, document, ProjectWorld::InWork(u"out.xml"));
     const std::string bytes = w.world.fs.Bytes(ProjectWorld::InWork(u"out.xml"));
-    EXPECT_NE(bytes.find("<r>\r\n<a>xy</a>\r\n<b"), std::string::npos);
+    EXPECT_EQ(bytes, "<r>\r\n<a>xy</a>\r\n<b/>\r\n</r>");
     EXPECT_EQ(document.Root().Child(u"a").Text(), u"xy");
 }
 

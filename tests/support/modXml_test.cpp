@@ -121,6 +121,51 @@ TEST(Xml, Bytes_OfOtherEncodings_AreRead_AndWrittenAsUtf8) {
     EXPECT_EQ(document.Bytes(), "<?xml version=\"1.0\" encoding=\"UTF-8\"?><a>\xE8\xAC\x9B</a>");
 }
 
+TEST(Xml, BytesOfNoKnownEncoding_AreRefusedRatherThanLost) {
+    for (const char* bytes : {"<a>\xE9</a>", "<a x='\xFF'/>", "<?xml version='1.0' encoding='gb2312'?><a>\xC4\xE3</a>"})
+        EXPECT_THROW(Document::ParseBytes(bytes), host::Error) << bytes;
+    EXPECT_EQ(Document::ParseBytes("<?xml version='1.0' encoding='iso-8859-1'?><a>\xE9</a>").Root().Text(), u"é");
+}
+
+TEST(Xml, EntitiesOfADocument_AreNeverExpanded) {
+    const Document document = Document::ParseBytes(
+        "<!DOCTYPE a [<!ENTITY b 'boom'><!ENTITY f SYSTEM 'file:///etc/passwd'>]><a>&b;&f;&amp;</a>");
+    EXPECT_EQ(document.Root().Text(), u"&b;&f;&");
+}
+
+TEST(Xml, SetText_LeavesOutWhatNoXmlCanHold) {
+    Document document = Document::Parse(u"<a x=''/>");
+    const String text = u"1" + String(1, u'\0') + u"2\x0B\x1F" + u"3\t\r\n4\xFFFE";
+    document.Root().SetText(text);
+    document.Root().SetAttribute(u"x", text);
+    EXPECT_EQ(document.Root().Text(), u"123\t\r\n4");
+    EXPECT_EQ(document.Root().Attribute(u"x"), u"123\t\r\n4");
+    document.Root().SetText(u"\x01");
+    EXPECT_EQ(document.Root().AttributeCount(), 1u);
+    EXPECT_EQ(document.Root().Text(), u"");
+}
+
+TEST(Xml, ATreeOfAnyDepth_IsReadCopiedWrittenAndRemoved) {
+    constexpr int kLevels = 1'000'000;
+    std::string xml = "<r>";
+    for (int i = 0; i < kLevels; ++i) xml += "<a>";
+    for (int i = 0; i < kLevels; ++i) xml += "</a>";
+    Document document = Document::ParseBytes(xml + "<b/></r>");
+    Node root = document.Root();
+    EXPECT_EQ(root.Text(), u"");
+    root.AppendCopy(root.Child(u"a"));
+    EXPECT_GT(document.Bytes().size(), 2 * 6u * kLevels);
+    EXPECT_TRUE(root.Remove(root.Child(u"a")));
+    root.Child(u"b").SetText(u"between");
+    root.Child(u"a").SetText(u"flat");
+    EXPECT_EQ(document.Xml(), u"<r><b>between</b><a>flat</a></r>");
+}
+
+TEST(Xml, HalfACharacterByReference_IsWrittenAsValidUtf8) {
+    const Document document = Document::ParseBytes("<a>&#xD800;</a>");
+    EXPECT_NO_THROW(Document::ParseBytes(document.Bytes()));
+}
+
 TEST(Xml, AnEmptyDocument_HasNoRoot) {
     EXPECT_FALSE(Document().Root());
 }
