@@ -30,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     CProjectFile project(c);
     if (!project.Load(kFile)) return 0;
-    if (!project.Save(kCopy) || !project.WasWritten()) return 0;
+    if (!project.Save(kCopy) || project.WrittenTo() != kCopy) return 0;
     CProjectFile again(c);
     fuzz::Require(again.Load(kCopy), "a saved project loads");
     fuzz::Require(SameIndex(project, again), "a saved project holds the same index");
