@@ -94,6 +94,16 @@ TEST(PackageProject, FileWithoutAnIndex_GetsOne) {
     EXPECT_EQ(IndexOf(merged->projectFile), "00:01|0");
 }
 
+TEST(PackageProject, IndexNestedAMillionLevelsDeep_IsReplacedAllTheSame) {
+    std::string text = "<r ver=\"8\"><project><index duration=\"00:01\">";
+    for (int i = 0; i < 1'000'000; ++i) text += "<n>";
+    for (int i = 0; i < 1'000'000; ++i) text += "</n>";
+    const auto merged = ReplaceIndex(AsBytes(text + "</index></project></r>"), ParseJournal("0\td\tt\t\n"), 1000);
+    ASSERT_TRUE(merged);
+    EXPECT_EQ(merged->entries, 1);
+    EXPECT_LT(merged->projectFile.size(), 500u);
+}
+
 TEST(PackageProject, WhatIsNoProject_IsNotTouched) {
     for (const char* text : {"", "text", "<r>", "<r/>", "<project><index/></project>"})
         EXPECT_FALSE(ReplaceIndex(AsBytes(text), ParseJournal("0\n"), 1000)) << text;

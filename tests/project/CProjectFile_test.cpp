@@ -403,6 +403,14 @@ TEST_F(CProjectFileTest, SaveToXml_LiftsThePartsToTheRoot) {
     EXPECT_EQ(w.Boxes(), Texts{});
 }
 
+TEST_F(CProjectFileTest, SaveToXml_KeepsATitleThatLooksLikeTheLiftedTag) {
+    ASSERT_TRUE(w.Load(ProjectText("")));
+    ksp.AddIndex(u"the <project> and </project>", u"0", u"", u"", u"", u"", false, 0);
+    ASSERT_TRUE(ksp.SaveToXml(ProjectWorld::InWork(u"project.xml")));
+    const std::string xml = fs.Bytes(ProjectWorld::InWork(u"project.xml"));
+    EXPECT_NE(xml.find("<title>the &lt;project&gt; and &lt;/project&gt;</title>"), std::string::npos);
+}
+
 TEST_F(CProjectFileTest, SaveToXml_OfAProjectElementWithAttributes_FailsAndWritesNothing) {
     ASSERT_TRUE(w.Load(ReplacedOnce(ProjectText(""), "<project>", "<project id=\"1\">")));
     EXPECT_TRUE(ksp.SaveToXml(ProjectWorld::InWork(u"project.xml")));

@@ -49,6 +49,16 @@ void FillItem(pugi::xml_node item, const JournalEntry& entry) {
     if (!entry.url.empty()) item.append_child("url").text() = WithoutControls(entry.url).c_str();
 }
 
+/// Leaves first: the library's own removal descends once a level, and a file can be nested deeper than the stack.
+void RemoveBelow(const pugi::xml_node& top) {
+    for (pugi::xml_node node = top; top.first_child();) {
+        while (node.first_child()) node = node.first_child();
+        pugi::xml_node parent = node.parent();
+        parent.remove_child(node);
+        node = parent;
+    }
+}
+
 /// The journal's entries of which something was recorded; counts the others.
 std::vector<JournalEntry> Recorded(const std::vector<JournalEntry>& journal, std::int64_t lengthMs, int& withoutMedia) {
     std::vector<JournalEntry> recorded;
@@ -92,7 +102,7 @@ std::optional<MergedProject> ReplaceIndex(const Bytes& projectFile, const std::v
     if (!ParseProject(document, projectFile)) return std::nullopt;
     pugi::xml_node index = RequireIndex(document);
     if (!index) return std::nullopt;
-    index.remove_children();
+    RemoveBelow(index);
     int withoutMedia = 0;
     for (const JournalEntry& entry : Recorded(journal, lengthMs, withoutMedia))
         FillItem(index.append_child("item"), entry);
