@@ -28,8 +28,17 @@ String PlayerCursor(const support::Context& c) {
     return Join(c, InWorkFolder(c, u"icons"), u"cursor.gif");
 }
 
+String OwnName(const support::Context& c, StringView name, StringView fallback) {
+    const String own = FileNameOf(c, name);
+    return own.empty() || own == u"." || own == u".." ? String(fallback) : own;
+}
+
+String PhotoName(const Context& c) {
+    return OwnName(c, c.project.g_Project.photo, u"photo.gif");
+}
+
 String PhotoFile(const Context& c) {
-    return InWorkFolder(c, FileNameOf(c, c.project.g_Project.photo));
+    return InWorkFolder(c, PhotoName(c));
 }
 
 String RecordingFolder(const support::Context& c) {

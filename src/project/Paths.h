@@ -16,7 +16,10 @@ String InInstallFolder(const support::Context& c, StringView folder, StringView 
 String DefaultCursor(const support::Context& c);
 /// The cursor image as the player has it, icons/cursor.gif of the scratch folder.
 String PlayerCursor(const support::Context& c);
+/// The last component of a name from outside, `fallback` if that names no file.
+String OwnName(const support::Context& c, StringView name, StringView fallback);
 /// The presenter's photo in the scratch folder, under the name that the project gives it.
+String PhotoName(const Context& c);
 String PhotoFile(const Context& c);
 /// The folder that exists while a recording runs, and the snapshot of the project file in it.
 String RecordingFolder(const support::Context& c);

@@ -19,15 +19,38 @@ String DateKey(std::size_t slot) {
     return u"dt" + PathKey(slot);
 }
 
+/// Takes the first line off `lines`.
+String TakeLine(std::string_view& lines) {
+    const std::size_t end = std::min(lines.find('\n'), lines.size());
+    const String line = host::FromUtf8(std::string(lines.substr(0, end)));
+    lines.remove_prefix(std::min(end + 1, lines.size()));
+    return line;
+}
+
 }  // namespace
+
+std::optional<RecentEntry> DecodeRecentEntry(StringView path, StringView date) {
+    RecentEntry entry{modConfig::DecodeHexSetting(path, u""), modConfig::DecodeHexSetting(date, u"")};
+    const bool isPath = entry.path.find(u'\0') == String::npos;
+    if (!isPath || !StringView(entry.path).ends_with(kPackageEnding)) return std::nullopt;
+    return entry;
+}
+
+std::vector<RecentEntry> DecodeRecentList(std::string_view lines) {
+    std::vector<RecentEntry> entries;
+    for (std::size_t slot = 1; slot <= kMostEntries; ++slot) {
+        const String path = TakeLine(lines);
+        if (const auto entry = DecodeRecentEntry(path, TakeLine(lines))) entries.push_back(*entry);
+    }
+    return entries;
+}
 
 void RecentProjects::LoadRecent() {
     m_entries.clear();
     for (std::size_t slot = 1; slot <= kMostEntries; ++slot) {
-        const String path = modConfig::GetHexSetting(m_c, kSection, PathKey(slot), u"");
-        const bool isPackage = StringView(path).ends_with(kPackageEnding);
-        if (isPackage && m_c.host.fs.FileExists(path))
-            m_entries.push_back({path, modConfig::GetHexSetting(m_c, kSection, DateKey(slot), u"")});
+        const String path = modConfig::GetSetting(m_c, kSection, PathKey(slot), u"");
+        const auto entry = DecodeRecentEntry(path, modConfig::GetSetting(m_c, kSection, DateKey(slot), u""));
+        if (entry && m_c.host.fs.FileExists(entry->path)) m_entries.push_back(*entry);
     }
 }
 

@@ -16,6 +16,8 @@ struct State {
     CProjectFile g_Project;
     /// Number of index entries at the last opening.
     std::int32_t itemCount = 0;
+    /// A scratch folder with an index that could be stored nowhere else; empty: none.
+    String folderToKeep;
     /// Key-frame positions last read, as numbers between blanks with a blank in front and behind; empty: not read yet.
     String keyFrameCache;
 };

@@ -32,12 +32,11 @@ void PreferUnsavedCopy(const support::Context& c) {
 }
 
 /// Only a whole copy ever bears the name.
-void KeepUnsavedCopy(const support::Context& c, const String& projectFile) {
-    const String copy = UnsavedCopy(c);
-    if (modGlobal::SafeCopyFile(c, projectFile, copy + u".tmp"))
-        modGlobal::SafeMoveFile(c, copy + u".tmp", copy, true);
-    else
-        modGlobal::SafeDeleteFile(c, copy + u".tmp");
+bool KeepUnsavedCopy(const support::Context& c, const String& projectFile) {
+    const String copy = UnsavedCopy(c), half = copy + u".tmp";
+    if (modGlobal::SafeCopyFile(c, projectFile, half) && modGlobal::SafeMoveFile(c, half, copy, true)) return true;
+    modGlobal::SafeDeleteFile(c, half);
+    return false;
 }
 
 /// The cursor lies where it was unpacked until the template files are applied.
@@ -51,7 +50,10 @@ bool Fetch(const support::Context& c, const host::StoredFiles& targets) {
 }
 
 bool Store(const support::Context& c, const host::StoredFiles& files) {
-    return c.host.ksLib.SetExtendDataInProject(NarrowPackage(c), NarrowPaths(c, files)) != -1;
+    bool stored = false;
+    host::ResumeNext{c.host.trace}.Set(
+        stored, [&] { return c.host.ksLib.SetExtendDataInProject(NarrowPackage(c), NarrowPaths(c, files)) != -1; });
+    return stored;
 }
 
 }  // namespace
@@ -70,16 +72,16 @@ bool Unpack(const support::Context& c) {
     return true;
 }
 
-void Pack(const Context& c) {
+bool Pack(const Context& c) {
     const host::StoredFiles files{c.project.g_Project.WrittenTo(), CursorToStore(c), PhotoFile(c),
                                   InWorkFolder(c, u"inteIndex.txt")};
-    if (!c.host.fs.FileExists(files.projectFile)) return;
+    if (!c.host.fs.FileExists(files.projectFile)) return true;
     if (Store(c, files) || Store(c, files)) {
         modGlobal::SafeDeleteFile(c, UnsavedCopy(c));
-        return;
+        return true;
     }
     c.host.trace.Note(u"The project could not be stored in " + c.support.packagePath);
-    KeepUnsavedCopy(c, files.projectFile);
+    return KeepUnsavedCopy(c, files.projectFile);
 }
 
 String VersionOf(const support::Context& c, const String& file) {

@@ -14,8 +14,9 @@ bool HoldsMedia(const support::Context& c);
 bool Unpack(const support::Context& c);
 
 /// Stores the files of the scratch folder. A project file that was written but not yet put in its place counts as the
-/// project file; without either, nothing is stored and the package keeps what it has. Never throws.
-void Pack(const Context& c);
+/// project file; without either, nothing is stored and the package keeps what it has. False if the project file now
+/// exists in the scratch folder only. Never throws.
+bool Pack(const Context& c);
 
 /// First attribute of the root of a project file; empty on any failure.
 String VersionOf(const support::Context& c, const String& file);

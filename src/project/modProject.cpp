@@ -38,7 +38,6 @@ String PresentationName(const support::Context& c) {
 bool RefuseUnsaved(const support::Context& c) {
     modMsgBox::MsgBox(c, Res(c, u"frmCommon", u"savePpt", u""));
     c.support.workFolder.clear();
-    c.support.projectFileName.clear();
     return false;
 }
 
@@ -110,6 +109,7 @@ String HowToMove(const support::Context& c, const String& folder) {
 bool LocateProject(const project::Context& c) {
     support::State& s = c.support;
     if (s.projectSource != u"PPT") return true;
+    s.projectFileName.clear();
     const String name = PresentationName(c);
     if (!c.host.fs.FileExists(name)) return RefuseUnsaved(c);
     const String package = modGlobal::PackagePathOf(name);
@@ -118,7 +118,7 @@ bool LocateProject(const project::Context& c) {
     s.packagePath = package;
     s.packageFolder = modGlobal::FolderOf(c, package);
     s.workFolder = MakeScratchFolder(c);
-    InitProject(c);
+    host::ResumeNext{c.host.trace}([&] { InitProject(c); });
     s.projectFileName = u"project.ksp";
     return true;
 }
@@ -132,11 +132,17 @@ void SaveProject(const project::Context& c) {
     // A project file that could not be written is older than what the package may hold by now: the package keeps its
     // own.
     if (file.WrittenTo().empty()) return;
-    if (!c.support.packagePath.empty()) project::Pack(c);
+    if (c.support.packagePath.empty() || project::Pack(c)) return;
+    c.project.folderToKeep = c.support.workFolder;
+    const String text =
+        Res(c, u"frmCommon", u"msgIndexKept",
+            u"The index could not be stored in the package. It is kept in this folder until it can be:\n%s");
+    modMsgBox::MsgBox(c, modGlobal::Replace(text, u"%s", c.support.workFolder));
 }
 
 void DeleteWorkFolder(const project::Context& c) {
-    if (!c.support.workFolder.empty()) modGlobal::DeleteFolder(c, c.support.workFolder);
+    const String& folder = c.support.workFolder;
+    if (!folder.empty() && folder != c.project.folderToKeep) modGlobal::DeleteFolder(c, folder);
 }
 
 bool WarnDriveType(const project::Context& c, const String& folder) {

@@ -18,7 +18,8 @@ bool LocateProject(const project::Context& c);
 bool OpenProject(const project::Context& c, bool isNew, bool& continued);
 
 /// Saves g_Project and stores the four files of workFolder in the package. The only way by which a change reaches the
-/// package. Never throws.
+/// package. Never throws. Says nothing of a failure, for the next opening takes up what is left beside the package;
+/// only if nothing can be left there, it tells that workFolder stays, and re-enters (box).
 void SaveProject(const project::Context& c);
 
 /// Decides between save points and live files: tells of a broken import, and puts an editor's backup back.
@@ -28,7 +29,8 @@ void InitProject(const project::Context& c);
 /// SaveProject. A statement that fails is skipped.
 void ApplyTemplateFiles(const project::Context& c);
 
-/// Deletes workFolder with all it holds, if it is set and exists. The name stays.
+/// Deletes workFolder with all it holds, if it is set and exists, but not one that holds the only copy of an index
+/// (folderToKeep of the state). The name stays.
 void DeleteWorkFolder(const project::Context& c);
 
 /// Warns about a folder on a removable, network or CD drive. Always true. Re-enters.

@@ -1,4 +1,4 @@
-// OpenProject step by step. Each step answers whether to go on; a statement that fails is skipped.
+// OpenProject step by step. A step that refuses ends the opening; one that fails is skipped, and the next one runs.
 #include "host/ResumeNext.h"
 #include "project/Converters.h"
 #include "project/Paths.h"
@@ -17,8 +17,9 @@ using project::InWorkFolder;
 
 constexpr std::int64_t kLeastFreeMegabytes = 100;
 
+/// Refuses even if the box fails.
 bool Refuse(const support::Context& c, const String& text) {
-    modMsgBox::MsgBox(c, text);
+    host::ResumeNext{c.host.trace}([&] { modMsgBox::MsgBox(c, text); });
     return false;
 }
 
@@ -26,18 +27,20 @@ bool Refuse(const support::Context& c, StringView section, StringView key, Strin
     return Refuse(c, modLanguage::GetResString(c, section, key, text));
 }
 
-bool PrepareFolders(const support::Context& c) {
-    const String& folder = c.support.packageFolder;
-    if (!c.host.fs.FolderExists(c.support.workFolder) && !modGlobal::EnsureFolder(c, c.support.workFolder))
-        return false;
-    if (!modGlobal::TestFolderWritable(c, folder)) return Refuse(c, u"frmNewProject", u"msgReadOnly", u"");
-    const std::int64_t free = modGlobal::GetFreeSpaceMB(c, folder);
-    if (free < kLeastFreeMegabytes) {
-        const String text = modLanguage::GetResString(c, u"frmNewProject", u"msgDiskSpace", u"");
-        return Refuse(c, text + u": " + ToText(free) + u"MB");
-    }
-    modGlobal::ClearReadOnly(c, c.support.workFolder);
-    return true;
+bool HasWorkFolder(const support::Context& c) {
+    return c.host.fs.FolderExists(c.support.workFolder) || modGlobal::EnsureFolder(c, c.support.workFolder);
+}
+
+bool IsWritable(const support::Context& c) {
+    return modGlobal::TestFolderWritable(c, c.support.packageFolder) ||
+           Refuse(c, u"frmNewProject", u"msgReadOnly", u"");
+}
+
+bool HasSpace(const support::Context& c) {
+    const std::int64_t free = modGlobal::GetFreeSpaceMB(c, c.support.packageFolder);
+    if (free >= kLeastFreeMegabytes) return true;
+    const String text = modLanguage::GetResString(c, u"frmNewProject", u"msgDiskSpace", u"");
+    return Refuse(c, text + u": " + ToText(free) + u"MB");
 }
 
 /// The stored files are newer than the snapshot if they are there at all; else the snapshot is stored in their place,
@@ -83,16 +86,12 @@ bool CheckVersion(const support::Context& c) {
 }
 
 bool LoadProject(const project::Context& c) {
-    if (!c.project.g_Project.Load(InWorkFolder(c, u"project.ksp"))) return false;
-    const String photo = project::PhotoFile(c);
-    if (!c.host.fs.FileExists(photo)) modGlobal::SafeMoveFile(c, InWorkFolder(c, u"photo.gif"), photo, true);
-    return true;
+    return c.project.g_Project.Load(InWorkFolder(c, u"project.ksp"));
 }
 
-bool CheckMedia(const project::Context& c) {
-    if (!project::HoldsMedia(c)) return true;
-    return modMediaKs::IsKsFmtCompatible(c, project::NarrowPackage(c)) &&
-           project::EnsureDecrypted(c, c.support.packagePath);
+void PlacePhoto(const project::Context& c) {
+    const String photo = project::PhotoFile(c);
+    if (!c.host.fs.FileExists(photo)) modGlobal::SafeMoveFile(c, InWorkFolder(c, u"photo.gif"), photo, true);
 }
 
 bool EndsIn(const String& text, StringView ending) {
@@ -134,23 +133,54 @@ String WhatIsThere(const project::Context& c) {
     return modGlobal::Replace(modGlobal::Replace(text, u"%s1", ToText(file.index.Count())), u"%s2", file.durationText);
 }
 
-bool Open(const project::Context& c, bool isNew) {
-    const host::ResumeNext Try{c.host.trace};
-    if (!Try.If([&] { return PrepareFolders(c); })) return false;
-    const String videoSize = isNew ? modConfig::GetSetting(c, u"configure", u"videoSize", u"") : String();
-    if (isNew)
-        Try([&] { CopyTemplate(c); });
-    else if (!Try.If([&] { return Unpack(c); }))
-        return false;
-    Try([&] { InitProject(c); });
-    if (!Try.If([&] { return CheckVersion(c); })) return false;
-    if (!Try.If([&] { return LoadProject(c); })) return false;
-    if (!Try.If([&] { return CheckMedia(c); })) return false;
-    if (isNew) Try([&] { FillNewProject(c, videoSize); });
-    if (!Try.If([&] { return CheckIndex(c); })) return false;
-    if (!c.host.fs.FileExists(InWorkFolder(c, u"index.html"))) Try([&] { ApplyTemplateFiles(c); });
-    return true;
-}
+/// The steps in their order. `Refuses` is true for a step that says no; one that fails does not refuse.
+class Opening {
+  public:
+    explicit Opening(const project::Context& c) : m_c(c), m_try(c.host.trace) {}
+
+    bool Run(bool isNew) {
+        if (Refuses(HasWorkFolder) || Refuses(IsWritable) || Refuses(HasSpace)) return false;
+        m_try([&] { modGlobal::ClearReadOnly(m_c, m_c.support.workFolder); });
+        if (isNew)
+            FillWorkFolder();
+        else if (Refuses(Unpack))
+            return false;
+        m_try([&] { InitProject(m_c); });
+        if (Refuses(CheckVersion)) return false;
+        // The one exception: what was not loaded must never come to be stored.
+        if (!m_try.If([&] { return LoadProject(m_c); })) return false;
+        m_try([&] { PlacePhoto(m_c); });
+        if (MediaRefuse()) return false;
+        if (isNew) m_try([&] { FillNewProject(m_c, m_videoSize); });
+        if (Refuses(CheckIndex)) return false;
+        if (!m_c.host.fs.FileExists(InWorkFolder(m_c, u"index.html"))) m_try([&] { ApplyTemplateFiles(m_c); });
+        return true;
+    }
+
+  private:
+    template <class Step>
+    bool Refuses(const Step& step) {
+        return m_try.If([&] { return !step(m_c); });
+    }
+
+    /// A missing template shows when the version is looked at.
+    void FillWorkFolder() {
+        m_try([&] { CopyTemplate(m_c); });
+        m_try.Set(m_videoSize, [&] { return modConfig::GetSetting(m_c, u"configure", u"videoSize", u""); });
+    }
+
+    bool MediaRefuse() {
+        if (!m_try.If([&] { return project::HoldsMedia(m_c); })) return false;
+        return Refuses([](const project::Context& c) {
+                   return modMediaKs::IsKsFmtCompatible(c, project::NarrowPackage(c));
+               }) ||
+               Refuses([](const project::Context& c) { return project::EnsureDecrypted(c, c.support.packagePath); });
+    }
+
+    const project::Context& m_c;
+    host::ResumeNext m_try;
+    String m_videoSize;
+};
 
 }  // namespace
 
@@ -158,7 +188,7 @@ bool OpenProject(const project::Context& c, bool isNew, bool& continued) {
     continued = false;
     const String before = c.host.ksLib.LastRecovery();
     const bool wasCutShort = !isNew && c.host.fs.FileExists(project::Snapshot(c));
-    const bool opened = Open(c, isNew);
+    const bool opened = Opening(c).Run(isNew);
     // Told whichever step made the library recover a torn package: the verification, or the first write to it.
     const String recovered = c.host.ksLib.LastRecovery();
     if (recovered != before)

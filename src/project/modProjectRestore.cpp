@@ -45,12 +45,17 @@ void EndBrokenImport(const support::Context& c) {
 /// A template's name counts as a folder name only.
 String TemplateFolder(const project::Context& c) {
     String& name = c.project.g_Project.template_;
-    String folder = project::InInstallFolder(c, u"template", modGlobal::FileNameOf(c, name));
+    String folder = project::InInstallFolder(c, u"template", project::OwnName(c, name, u"default"));
     if (name.empty() || !c.host.fs.FolderExists(folder)) {
         name = u"default";
         folder = project::InInstallFolder(c, u"template", name);
     }
     return folder;
+}
+
+/// A photo that did not come back would be replaced by the template's in the package, for good.
+void MoveOrCopy(const support::Context& c, const String& source, const String& target) {
+    if (!modGlobal::SafeMoveFile(c, source, target, true)) modGlobal::SafeCopyFile(c, source, target);
 }
 
 void KeepOwnCursor(const support::Context& c) {
@@ -74,14 +79,14 @@ void InitProject(const project::Context& c) {
 void ApplyTemplateFiles(const project::Context& c) {
     const host::ResumeNext Try{c.host.trace};
     const String photo = project::PhotoFile(c);
-    const String aside = InWorkFolder(c, u"bak." + modGlobal::FileNameOf(c, c.project.g_Project.photo));
-    if (c.host.fs.FileExists(photo)) modGlobal::SafeMoveFile(c, photo, aside, true);
+    const String aside = InWorkFolder(c, u"bak." + project::PhotoName(c));
+    if (c.host.fs.FileExists(photo)) MoveOrCopy(c, photo, aside);
     Try([&] { c.host.fs.CopyFolder(project::InInstallFolder(c, u"encfiles"), c.support.workFolder); });
     Try([&] { c.host.fs.CopyFolder(TemplateFolder(c), c.support.workFolder); });
     KeepOwnCursor(c);
     modGlobal::SafeDeleteFile(c, InWorkFolder(c, u"index.jpg"));
     modGlobal::SafeDeleteFile(c, InWorkFolder(c, u"pic.jpg"));
-    if (c.host.fs.FileExists(aside)) modGlobal::SafeMoveFile(c, aside, photo, true);
+    if (c.host.fs.FileExists(aside)) MoveOrCopy(c, aside, photo);
     SaveProject(c);
 }
 

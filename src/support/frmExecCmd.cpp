@@ -12,6 +12,11 @@ frmExecCmd::frmExecCmd(const support::Context& c) : Form(c.forms, u"frmExecCmd")
     ui::WindowStyle style;
     style.closable = false;
     SetStyle(style);
+    // Nothing but its title, which says that a tool runs: wide enough to be read.
+    ui::WindowPlace place;
+    place.width = 360;
+    place.height = 24;
+    SetPlace(place);
     tmrExec.onTimer = [this] { tmrExec_Timer(); };
     tmrCheckExec.onTimer = [this] { tmrCheckExec_Timer(); };
 }
@@ -64,11 +69,15 @@ void frmExecCmd::tmrCheckExec_Timer() {
         tmrCheckExec.SetEnabled(false);
         m_process->Terminate();
         Unload();
-    } else if (m_process->ExitCode()) {
+    } else if (const auto code = m_process->ExitCode()) {
         tmrCheckExec.SetEnabled(false);
-        m_process.reset();
+        if (*code != 0) m_c.host.trace.Note(m_command + u" ended with exit code " + ToText(*code));
         Unload();
     }
+}
+
+void frmExecCmd::OnUnload() {
+    m_process.reset();
 }
 
 void frmExecCmd::BringChildForward() {

@@ -24,6 +24,8 @@ class frmExecCmd : public ui::Form {
   protected:
     void OnLoad() override;
     void OnActivate() override;
+    /// Lets go of the tool: one that still runs goes on by itself.
+    void OnUnload() override;
 
   private:
     void tmrExec_Timer();

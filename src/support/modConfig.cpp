@@ -16,9 +16,12 @@ bool SaveSetting(const support::Context& c, StringView section, StringView key, 
 }
 
 String GetHexSetting(const support::Context& c, StringView section, StringView key, StringView fallback) {
-    const String stored = GetSetting(c, section, key, fallback);
+    return DecodeHexSetting(GetSetting(c, section, key, fallback), fallback);
+}
+
+String DecodeHexSetting(StringView stored, StringView fallback) {
     if (stored.size() <= 2) return String(fallback);
-    return stored.starts_with(u"&H") ? modGlobal::DecodeHexText(stored) : stored;
+    return stored.starts_with(u"&H") ? modGlobal::DecodeHexText(stored) : String(stored);
 }
 
 bool SaveHexSetting(const support::Context& c, StringView section, StringView key, StringView value) {

@@ -19,6 +19,9 @@ bool SaveSetting(const support::Context& c, StringView section, StringView key, 
 /// of two characters or less reads as `fallback`.
 String GetHexSetting(const support::Context& c, StringView section, StringView key, StringView fallback);
 
+/// What a stored text stands for: a value in the hexadecimal form, a plain one as it is, `fallback` for two characters
+/// or less.
+String DecodeHexSetting(StringView stored, StringView fallback);
 /// Stores the hexadecimal form of `value`; an empty value stores an empty text. Fails as SaveSetting does.
 bool SaveHexSetting(const support::Context& c, StringView section, StringView key, StringView value);
 

@@ -150,6 +150,74 @@ TEST_F(UpgradeTest, MediaThatCannotBeOpened_EndsWithFalse) {
     EXPECT_TRUE(w.world.processes.started.empty());
 }
 
+TEST_F(UpgradeTest, AnyAnswerButYes_LeavesNoProjectFileName) {
+    PutLegacy();
+    w.support.projectFileName = u"project.ksp";
+    box.Answer(BoxAnswer::No);
+    EXPECT_FALSE(modProject::LocateProject(w.c));
+    EXPECT_EQ(w.support.projectFileName, u"");
+}
+
+TEST_F(UpgradeTest, AMissingConverter_IsToldByTheProcessWindow) {
+    PutLegacy();
+    box.Answer(BoxAnswer::Yes);
+    box.Answer(BoxAnswer::Ok);
+    EXPECT_FALSE(modProject::LocateProject(w.c));
+    EXPECT_EQ(w.Boxes().back(),
+              u"Execution failed because \"" + ProjectWorld::InInstall(u"ksFmtCvt") + u"\" does not exist!");
+}
+
+class LegacyEncryptionTest : public UpgradeTest {
+  protected:
+    void PutEncrypted(const std::string& version) {
+        PutLegacy();
+        fs.Put(u"/home/anna/talks/deck.ksp/project.ksp", ReplacedOnce(InstallFile("default.ksp"), "8.0", version));
+        SetState(1);
+        PutConverter();
+        fs.Put(ProjectWorld::InInstall(u"ksECT"), "program");
+        box.Answer(BoxAnswer::Yes);
+    }
+    void SetState(std::int32_t state) {
+        sim::Package media;
+        media.ectState = state;
+        w.world.ksLib.Put(kMedia, media);
+    }
+    static constexpr char16_t kMedia[] = u"/home/anna/talks/deck.ksp/media.ks";
+};
+
+TEST_F(LegacyEncryptionTest, EncryptedMediaOfGenerationsSixAndSeven_AreDecryptedFirst) {
+    for (const char* version : {"6.4", "7.0"}) {
+        SCOPED_TRACE(version);
+        fs.Remove(ProjectWorld::kPackage);
+        PutEncrypted(version);
+        w.world.processes.programs[u"ksECT"] = {1000, 0, [&](const std::vector<String>& arguments) {
+                                                    EXPECT_EQ(arguments, Texts{kMedia});
+                                                    SetState(0);
+                                                    return std::optional<std::int32_t>();
+                                                }};
+        EXPECT_TRUE(modProject::LocateProject(w.c));
+        const auto& started = w.world.processes.started;
+        ASSERT_GE(started.size(), 2U);
+        EXPECT_EQ(started[started.size() - 2]->program, u"ksECT");
+        EXPECT_EQ(started.back()->program, u"ksFmtCvt");
+    }
+}
+
+TEST_F(LegacyEncryptionTest, MediaThatStayEncrypted_EndTheUpgrade) {
+    PutEncrypted("7.0");
+    w.world.processes.programs[u"ksECT"] = {1000, 1, nullptr};
+    EXPECT_FALSE(modProject::LocateProject(w.c));
+    EXPECT_EQ(w.world.processes.started.size(), 1U);
+    EXPECT_FALSE(fs.FileExists(ProjectWorld::kPackage));
+}
+
+TEST_F(LegacyEncryptionTest, OtherGenerations_AreNotAsked) {
+    PutEncrypted("5.0");
+    EXPECT_TRUE(modProject::LocateProject(w.c));
+    ASSERT_EQ(w.world.processes.started.size(), 1U);
+    EXPECT_EQ(w.world.processes.started[0]->program, u"ksFmtCvt");
+}
+
 // --- OpenProject ---------------------------------------------------------------------------------------------------
 
 TEST_F(ModProjectTest, Open_OfANewProject_CopiesTheTemplateAndAppliesThePlayerFiles) {
@@ -335,6 +403,133 @@ TEST_F(ModProjectTest, Open_WhenTheEncryptionStateCannotBeRead_TellsSo) {
     EXPECT_EQ(w.Boxes(), Texts{u"Failed to get encryption state! (open file error)"});
 }
 
+/// A library of which some questions fail as a broken connection would.
+class FailingKsLib : public sim::KsLib {
+  public:
+    explicit FailingKsLib(sim::World& world) : KsLib(world.faults, world.transcript, world.loop, world.fs) {}
+
+    std::int32_t IsEmptyProject(const String& package) override {
+        Raise(u"IsEmptyProject");
+        return KsLib::IsEmptyProject(package);
+    }
+    std::int32_t GetFileFormatVersion(const String& package) override {
+        Raise(u"GetFileFormatVersion");
+        return KsLib::GetFileFormatVersion(package);
+    }
+    std::int32_t GetECTState(const String& package) override {
+        Raise(u"GetECTState");
+        return KsLib::GetECTState(package);
+    }
+    std::int32_t SetExtendDataInProject(const String& package, const host::StoredFiles& files) override {
+        Raise(u"SetExtendDataInProject");
+        return KsLib::SetExtendDataInProject(package, files);
+    }
+
+    String failing;
+
+  private:
+    void Raise(const String& call) const {
+        if (call == failing) throw host::Error(host::ErrorNumber::Automation, call, u"no connection");
+    }
+};
+
+class FailingStepTest : public ModProjectTest {
+  protected:
+    FailingStepTest() { w.PutPackage(ProjectText(Item("one", "0")), 60000, {0}); }
+
+    host::Host MakeHost() {
+        host::Host& h = w.world.host();
+        return {h.app,
+                h.loop,
+                h.fs,
+                h.monitors,
+                h.hooks,
+                h.windows,
+                h.processes,
+                h.shell,
+                h.settings,
+                h.power,
+                h.box,
+                h.presenter,
+                lib,
+                h.ksOptimize,
+                h.ksHook,
+                h.fmtConvert,
+                h.recSystemAudio,
+                h.ksEditorControl,
+                h.scip2,
+                h.trace,
+                h.installFolder};
+    }
+
+    FailingKsLib lib{w.world};
+    host::Host host = MakeHost();
+    ui::Forms forms{w.world.presenter, w.world.loop};
+    support::Context base{host, forms, w.support};
+    project::State state{base};
+    project::Context c{base, state};
+};
+
+TEST_F(FailingStepTest, AStepThatFails_IsSkippedInSilence) {
+    for (const char16_t* call : {u"IsEmptyProject", u"GetECTState", u"SetExtendDataInProject"}) {
+        SCOPED_TRACE(host::ToUtf8(call));
+        lib.failing = call;
+        bool continued = true;
+        EXPECT_TRUE(modProject::OpenProject(c, false, continued));
+        EXPECT_EQ(state.g_Project.index.Count(), 1);
+        EXPECT_EQ(w.Boxes(), Texts{});
+        modProject::DeleteWorkFolder(c);
+    }
+}
+
+TEST_F(FailingStepTest, AStepThatRefuses_Ends) {
+    sim::Package package = *w.world.ksLib.Get(ProjectWorld::kPackage);
+    package.formatVersion = 9 * 256;
+    w.world.ksLib.Put(ProjectWorld::kPackage, package);
+    bool continued = true;
+    EXPECT_FALSE(modProject::OpenProject(c, false, continued));
+    EXPECT_FALSE(fs.FileExists(InWork(u"index.html"))) << "the steps behind it do not run";
+    EXPECT_EQ(w.Boxes().size(), 1U);
+}
+
+TEST_F(ModProjectTest, Open_OfNamesThatAreNone_UsesTheUsualOnes) {
+    for (const char* name : {"..", ".", "", "a/.."}) {
+        SCOPED_TRACE(name);
+        std::string text = ReplacedOnce(ProjectText(Item("one", "0")), ">photo.gif<", ">" + std::string(name) + "<");
+        text = ReplacedOnce(text, ">default<", ">" + std::string(name) + "<");
+        w.PutPackage(text, 60000, {0});
+        ASSERT_TRUE(Open(false));
+        EXPECT_EQ(fs.Bytes(InWork(u"photo.gif")), "own photo");
+        EXPECT_FALSE(fs.FileExists(InWork(u"default.ksp"))) << "the install folder itself is no template";
+        modProject::DeleteWorkFolder(w.c);
+    }
+}
+
+TEST_F(ModProjectTest, Open_InAScratchFolderThatCannotBeMade_TellsSoAndEnds) {
+    fs.Remove(ProjectWorld::kWork);
+    w.world.faults.FailCall(u"fs.CreateFolder", 1, sim::ForEver);
+    EXPECT_FALSE(Open(true));
+    EXPECT_EQ(w.Boxes().size(), 1U);
+}
+
+TEST_F(ModProjectTest, Template_UnderAnyFault_LeavesTheOwnPhotoInTheStoredFiles) {
+    const int runs = sim::FaultSweep(u"fs.*", [](const auto& arm) {
+        ProjectWorld desk;
+        desk.PutPackage(ProjectText(Item("one", "0")), 60000, {0});
+        bool continued = false;
+        ASSERT_TRUE(modProject::OpenProject(desk.c, false, continued));
+        arm(desk.world.faults);
+        modProject::ApplyTemplateFiles(desk.c);
+        desk.world.faults.Clear();
+        desk.world.fs.Remove(ProjectWorld::kWork);
+        desk.world.fs.PutFolder(ProjectWorld::kWork);
+        ASSERT_TRUE(modProject::OpenProject(desk.c, false, continued)) << desk.Story();
+        EXPECT_EQ(desk.Titles(), Texts{u"one"});
+        EXPECT_EQ(desk.world.fs.Bytes(ProjectWorld::InWork(u"photo.gif")), "own photo") << desk.Story();
+    });
+    EXPECT_GE(runs, 4);
+}
+
 // --- InitProject ---------------------------------------------------------------------------------------------------
 
 TEST_F(ModProjectTest, Init_WithASavePointAndAPackage_RestoresTheSavePointAndSetsThePackageAside) {
@@ -356,6 +551,44 @@ TEST_F(ModProjectTest, Init_WhenTheSavePointCannotBeMoved_LeavesThePackage) {
     w.world.faults.FailCall(u"fs.MoveFile", 2, sim::Once);
     modProject::InitProject(w.c);
     EXPECT_EQ(fs.Bytes(ProjectWorld::kPackage), "newer");
+}
+
+TEST_F(ModProjectTest, Init_UnderAnyFault_LosesNeitherThePackageNorTheSavePoint) {
+    const int runs = sim::FaultSweep(u"fs.*", [](const auto& arm) {
+        ProjectWorld desk;
+        sim::FileSystem& files = desk.world.fs;
+        files.Put(ProjectWorld::kPackage, "newer");
+        files.Put(ProjectWorld::InWork(u"media.ks.__"), "older");
+        files.Put(ProjectWorld::InWork(u"project.ksp.__"), "older project");
+        arm(desk.world.faults);
+        modProject::InitProject(desk.c);
+        EXPECT_EQ(desk.Boxes().size(), 1U);
+        std::vector<std::string> found;
+        for (const String& path : files.All())
+            if (files.FileExists(path)) found.push_back(files.Bytes(path));
+        for (const char* content : {"newer", "older", "older project"})
+            EXPECT_EQ(std::count(found.begin(), found.end(), content), 1) << content << "\n" << desk.Story();
+        const bool failedForEver = desk.world.faults.Injected().size() > 1;
+        EXPECT_TRUE(failedForEver || files.FileExists(ProjectWorld::kPackage)) << desk.Story();
+    });
+    EXPECT_GE(runs, 2);
+}
+
+TEST_F(ModProjectTest, Init_AfterABrokenImportWithThePackageInPlace_RestoresNothing) {
+    fs.Put(ProjectWorld::kPackage, "package");
+    fs.Put(String(ProjectWorld::kPackage) + u".move", "");
+    modProject::InitProject(w.c);
+    EXPECT_EQ(w.Boxes(), Texts{u"Move file error during import!"});
+    EXPECT_EQ(fs.Bytes(ProjectWorld::kPackage), "package");
+    EXPECT_FALSE(fs.FileExists(String(ProjectWorld::kPackage) + u".move"));
+}
+
+TEST_F(ModProjectTest, Init_OverAReadOnlyPackage_RestoresAllTheSame) {
+    fs.Put(ProjectWorld::kPackage, "newer");
+    fs.SetReadOnly(ProjectWorld::kPackage, true);
+    fs.Put(InWork(u"media.ks.__"), "older");
+    modProject::InitProject(w.c);
+    EXPECT_EQ(fs.Bytes(ProjectWorld::kPackage), "older");
 }
 
 TEST_F(ModProjectTest, Init_AfterABrokenImport_TellsSoRestoresAndRemovesTheMarker) {
@@ -479,6 +712,21 @@ TEST_F(SaveProjectTest, WhenStoringFails_TheNextOpeningFindsTheIndexAndStoresIt)
     EXPECT_FALSE(fs.FileExists(String(ProjectWorld::kPackage) + u".unsaved"));
 }
 
+TEST_F(SaveProjectTest, WhenNothingCanBeLeftBesideThePackage_TellsSoAndKeepsTheScratchFolder) {
+    PutTexts("frmCommon", "msgIndexKept", "Kept in %s");
+    w.world.faults.FailCall(u"ksLib.SetExtendDataInProject", 1, sim::ForEver);
+    w.world.faults.FailCall(u"fs.CopyFile", 1, sim::ForEver);
+    modProject::SaveProject(w.c);
+    EXPECT_EQ(w.Boxes(), Texts{u"Kept in " + w.support.workFolder});
+    modProject::DeleteWorkFolder(w.c);
+    EXPECT_NE(fs.Bytes(InWork(u"project.ksp")).find("<title>two</title>"), std::string::npos);
+    w.world.faults.Clear();
+    w.support.workFolder = u"/tmp/user/next";
+    ASSERT_TRUE(Open(false));
+    modProject::DeleteWorkFolder(w.c);
+    EXPECT_FALSE(fs.FolderExists(u"/tmp/user/next")) << "other scratch folders go as ever";
+}
+
 TEST_F(SaveProjectTest, ACopyOfAFailedStoreThatIsOlderThanThePackage_IsNotTaken) {
     fs.Put(String(ProjectWorld::kPackage) + u".unsaved", ProjectText(Item("stale", "0")));
     w.world.loop.Advance(5000);
@@ -544,6 +792,16 @@ TEST_F(ModProjectTest, WarnDriveType_OnAMovableDrive_NamesTheFolderAndPasses) {
     fs.AddDrive(u"/net", host::DriveType::Network, 1LL << 30);
     EXPECT_TRUE(modProject::WarnDriveType(w.c, u"/net/gone"));
     EXPECT_EQ(w.Boxes(), (Texts{u"Slow: /media/usb. Move /media/usb.", u"Slow: /net/gone. Move it."}));
+}
+
+TEST_F(ModProjectTest, WarnDriveType_OnACd_ForAnotherSource_SaysHowToMoveTheProject) {
+    fs.Put(ProjectWorld::InInstall(u"res.xml"),
+           "<r><s name=\"frmMainBar\"><e name=\"msgDriveType\">%s is slow, %s. </e>"
+           "<e name=\"msgDriveTypeMove\">Move %s.</e></s></r>");
+    fs.AddDrive(u"/cd", host::DriveType::Cd, 1LL << 30);
+    w.support.projectSource = u"KTR";
+    EXPECT_TRUE(modProject::WarnDriveType(w.c, u"/cd"));
+    EXPECT_EQ(w.Boxes(), Texts{u"/cd is slow, /cd. Move /cd."});
 }
 
 class EditingTest : public ModProjectTest {
@@ -625,6 +883,62 @@ TEST_F(RecentProjectsTest, AddRecent_OfAPathThatIsThere_MovesItToTheTop) {
     AddUpTo(6);
     recent.AddRecent(Path(3));
     EXPECT_EQ(Reloaded(), (Texts{Path(3), Path(6), Path(5), Path(4), Path(2), Path(1)}));
+}
+
+TEST_F(RecentProjectsTest, AddRecent_OfAnotherCase_IsAnotherPath) {
+    AddUpTo(6);
+    fs.Put(u"/home/anna/3.KTR.ktr", "package");
+    recent.AddRecent(u"/home/anna/3.KTR.ktr");
+    EXPECT_EQ(Reloaded(), (Texts{u"/home/anna/3.KTR.ktr", Path(6), Path(5), Path(4), Path(3), Path(2)}));
+}
+
+TEST_F(RecentProjectsTest, AShorterList_EmptiesTheSlotsBehindIt) {
+    AddUpTo(6);
+    for (int i = 1; i <= 4; ++i) fs.Remove(Path(i));
+    RecentProjects fresh(w.c);
+    fresh.LoadRecent();
+    fresh.AddRecent(Path(5));
+    for (int slot = 3; slot <= 6; ++slot) {
+        EXPECT_EQ(modConfig::GetSetting(w.c, u"lastOpenedProj", ToText(slot), u"?"), u"") << slot;
+        EXPECT_EQ(modConfig::GetSetting(w.c, u"lastOpenedProj", u"dt" + ToText(slot), u"?"), u"") << slot;
+    }
+}
+
+TEST_F(RecentProjectsTest, APlainPath_CountsToo) {
+    fs.Put(Path(1), "package");
+    modConfig::SaveSetting(w.c, u"lastOpenedProj", u"4", Path(1));
+    EXPECT_EQ(Reloaded(), Texts{Path(1)});
+}
+
+TEST_F(RecentProjectsTest, HostileContents_AreNoEntries) {
+    for (const char16_t* text : {u"", u"&H", u"&H2", u"&Hxyz", u"&H2F", u"\xD800\xD800.k", u".kt", u"&H0000"})
+        EXPECT_FALSE(DecodeRecentEntry(text, u"").has_value()) << host::ToUtf8(text);
+    const String hidden = String(u"/etc/passwd") + String(1, u'\0') + u".ktr";
+    EXPECT_FALSE(DecodeRecentEntry(hidden, u"").has_value());
+    EXPECT_TRUE(DecodeRecentList("").empty());
+    EXPECT_TRUE(DecodeRecentList("\n\n\xFF\xFE\n").empty());
+    const auto six = DecodeRecentList("/a.ktr\nd\n/a.ktr\nd\n/a.ktr\nd\n/a.ktr\nd\n/a.ktr\nd\n/a.ktr\nd\n/a.ktr\nd\n");
+    EXPECT_EQ(six.size(), 6U);
+    EXPECT_EQ(DecodeRecentList("/a.ktr").at(0).path, u"/a.ktr");
+}
+
+TEST_F(RecentProjectsTest, AddRecent_UnderAnyFault_LeavesReadableEntriesOnly) {
+    const int runs = sim::FaultSweep(u"settings.*", [](const auto& arm) {
+        ProjectWorld desk;
+        RecentProjects list(desk.c);
+        for (int i = 1; i <= 3; ++i) {
+            desk.world.fs.Put(Path(i), "package");
+            list.AddRecent(Path(i));
+        }
+        arm(desk.world.faults);
+        list.AddRecent(Path(1));
+        desk.world.faults.Clear();
+        RecentProjects fresh(desk.c);
+        fresh.LoadRecent();
+        EXPECT_LE(fresh.entries().size(), 3U);
+        for (const RecentEntry& entry : fresh.entries()) EXPECT_TRUE(desk.world.fs.FileExists(entry.path));
+    });
+    EXPECT_GE(runs, 2);
 }
 
 TEST_F(RecentProjectsTest, LoadRecent_TakesExistingPackagesOnly) {

@@ -129,6 +129,39 @@ TEST_F(modExecTest, ExecCmd_CannotBeClosedByTheUser_SoNoEditorDiesWithIt) {
     EXPECT_FALSE(world.processes.Runs(u"kseditor")[0].terminated);
 }
 
+TEST_F(modExecTest, ExecCmd_OfAToolThatFails_LeavesALineInTheTrace) {
+    Program(u"ksECT", 500, 1);
+    Run(u"/opt/kestrum/ksECT", {u"/home/anna/a.ktr"});
+    ASSERT_EQ(world.trace.notes.size(), 1u);
+    EXPECT_EQ(world.trace.notes[0], u"/opt/kestrum/ksECT ended with exit code 1");
+}
+
+TEST_F(modExecTest, ExecCmd_OfAToolThatEndsWith259_Closes) {
+    Program(u"odd", 500, 259);
+    Run(u"/opt/kestrum/odd");
+    EXPECT_FALSE(forms.IsFormLoaded(u"frmExecCmd"));
+    EXPECT_LE(world.loop.Elapsed(), 1000);
+}
+
+TEST_F(modExecTest, ExecCmd_BringsTheToolsWindowForwardOnce) {
+    Program(u"kseditor", 5000);
+    host::WindowHandle window = 0;
+    world.loop.After(2000, [&] { window = world.windows.AddForeign(u"editor", u"Editor", 4001); });
+    Run(u"/opt/kestrum/kseditor");
+    ASSERT_NE(window, 0u);
+    EXPECT_EQ(state.childWindow, window);
+    EXPECT_EQ(world.transcript.Count(u"windows.BringToFront"), 1);
+}
+
+TEST_F(modExecTest, ExecCmd_RunAgain_ForgetsTheLastTool) {
+    Program(u"kseditor", 500);
+    world.presenter.Do(u"frmExecCmd", u"cancel", [](ui::Form& form) { static_cast<frmExecCmd&>(form).Cancel(); });
+    Run(u"/opt/kestrum/kseditor");
+    Run(u"/opt/kestrum/kseditor");
+    ASSERT_EQ(world.processes.Runs(u"kseditor").size(), 2u);
+    EXPECT_FALSE(world.processes.Runs(u"kseditor")[1].terminated);
+}
+
 TEST_F(modExecTest, ExecCmd_OnCancel_EndsTheTool) {
     Program(u"kstool", 60000);
     world.presenter.Do(u"frmExecCmd", u"cancel", [](ui::Form& form) { static_cast<frmExecCmd&>(form).Cancel(); })

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <random>
 
@@ -50,7 +51,10 @@ void RequireRegularFile(int descriptor, const std::string& path) {
 /// A name beside `path` that nobody uses, so that a rename stays within the file system.
 std::string TemporaryBeside(const std::string& path) {
     std::random_device random;
-    return path + "." + std::to_string(random()) + ".new";
+    const std::string ending = "." + std::to_string(random()) + ".new";
+    const std::size_t nameAt = path.rfind('/') + 1;
+    const bool fits = path.size() - nameAt + ending.size() <= NAME_MAX;
+    return (fits ? path : path.substr(0, nameAt) + "kestrum") + ending;
 }
 
 int OpenRetrying(const std::string& path, int flags, mode_t mode) {
