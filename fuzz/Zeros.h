@@ -12,8 +12,9 @@ namespace kestrum::fuzz {
 /// Files end here, however many runs an input names.
 constexpr std::size_t kMostBytes = 4 << 20;
 
-inline std::vector<std::uint8_t> Expand(std::span<const std::uint8_t> input) {
-    std::vector<std::uint8_t> file;
+/// Into `file`, which is worth keeping: making megabytes anew for each input takes longer than reading them.
+inline void Expand(std::span<const std::uint8_t> input, std::vector<std::uint8_t>& file) {
+    file.clear();
     for (std::size_t i = 0; i < input.size() && file.size() < kMostBytes; ++i) {
         if (input[i] != 0 || input.size() - i < 4) {
             file.push_back(input[i]);
@@ -24,7 +25,6 @@ inline std::vector<std::uint8_t> Expand(std::span<const std::uint8_t> input) {
         file.resize(std::min(file.size() + run, kMostBytes));
         i += 3;
     }
-    return file;
 }
 
 inline std::vector<std::uint8_t> Shorten(std::span<const std::uint8_t> file) {

@@ -5,7 +5,9 @@
 #include "media/package/Package.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const int keyFrames = kestrum::media::ProbePackage(kestrum::fuzz::Expand({data, size}));
+    static std::vector<std::uint8_t> file;
+    kestrum::fuzz::Expand({data, size}, file);
+    const int keyFrames = kestrum::media::ProbePackage(file);
     kestrum::fuzz::Require(keyFrames >= -1, "a package has no negative number of key frames");
     return 0;
 }
