@@ -22,7 +22,7 @@ Bytes BytesOf(const std::string& text) {
 StoredFiles Project() {
     return {{kProjectFileName,
              BytesOf("<kestrum ver=\"8.0\"><project><abstract><title>t</title></abstract><index duration=\"00:00\" "
-                     "type=\"OL\"><indexitem><title>One</title><pos>0</pos><recdate/><url/></indexitem></index>"
+                     "type=\"OL\"><item><title>One</title><pos>0</pos><recdate/><url/></item></index>"
                      "</project></kestrum>")},
             {kPhotoName, BytesOf("GIF89a")}};
 }
