@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "addin/dsrImagePowerPoint.h"
+#include "devices/frmConfig.h"
 #include "project/modProject.h"
 #include "publish/frmExportMp4.h"
 #include "recording/modCapture.h"
@@ -31,11 +32,11 @@ class CommandScope {
 
 }  // namespace
 
-void dsrImagePowerPoint::RunGuarded(const String& question, const std::function<void()>& work) {
+void dsrImagePowerPoint::RunGuarded(Opening opening, const String& question, const std::function<void()>& work) {
     if (CommandBusy) return;
     CommandScope scope(m_c, CommandBusy);
     try {
-        if (OpenForCommand(question)) work();
+        if ((this->*opening)(question)) work();
     } catch (const host::Error& error) {
         modMsgBox::MsgBox(m_c, error.Description());
     }
@@ -52,11 +53,29 @@ bool dsrImagePowerPoint::OpenForCommand(const String& question) {
     }
     bool continued = false;
     if (!modProject::OpenProject(m_c, false, continued)) return false;
+    return Confirm(continued, question);
+}
+
+// Settings need no media: a presentation that was never recorded gets its project now.
+bool dsrImagePowerPoint::OpenForSettings(const String& question) {
+    if (!modProject::LocateProject(m_c)) return false;
+    if (m_c.support.packagePath.empty()) return true;  // no lecture at hand: the preferences alone
+    bool continued = false;
+    if (!modProject::OpenProject(m_c, !m_c.host.fs.FileExists(m_c.support.packagePath), continued)) return false;
+    return Confirm(continued, question);
+}
+
+bool dsrImagePowerPoint::Confirm(bool continued, const String& question) {
     return !continued || modMsgBox::MsgBox(m_c, question, host::BoxButtons::OkCancel, u"") == host::BoxAnswer::Ok;
 }
 
+void dsrImagePowerPoint::Configure() {
+    RunGuarded(&dsrImagePowerPoint::OpenForSettings, u"Continue opening configure?",
+               [this] { m_c.forms.Get<frmConfig>(m_c).ShowModal(); });
+}
+
 void dsrImagePowerPoint::PublishToMp4() {
-    RunGuarded(u"Continue publishing to MP4 format?", [this] {
+    RunGuarded(&dsrImagePowerPoint::OpenForCommand, u"Continue publishing to MP4 format?", [this] {
         if (Mp4IsTooBig()) {
             modMsgBox::MsgBox(m_c,
                               modLanguage::GetResString(m_c, u"frmExportMp4", u"msgMp4TooBig",

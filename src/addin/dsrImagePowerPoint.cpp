@@ -80,6 +80,7 @@ void dsrImagePowerPoint::NotesButton(StringView id) {
     if (!MayRun(id)) return;
     if (id == u"rec") p_ctlBtnRec_Click();
     if (id == u"mnuMP4") p_menuPublish2MP4_Click();
+    if (id == u"mnuConfigure") p_menuConfigure_Click();
 }
 
 bool dsrImagePowerPoint::MayRun(StringView id) {

@@ -29,6 +29,7 @@ class dsrImagePowerPoint {
 
     void p_ctlBtnRec_Click() { DoRecord(); }
     void p_menuPublish2MP4_Click() { PublishToMp4(); }
+    void p_menuConfigure_Click() { Configure(); }
 
     /// The Record command: checks the presentation and asks the host for the show; the show's events do the rest.
     /// Re-enters.
@@ -54,8 +55,12 @@ class dsrImagePowerPoint {
     bool MayRecord();
     bool SetVolumeBefore();
     void StartShow();
-    void RunGuarded(const String& question, const std::function<void()>& work);
+    using Opening = bool (dsrImagePowerPoint::*)(const String& question);
+    void RunGuarded(Opening opening, const String& question, const std::function<void()>& work);
     bool OpenForCommand(const String& question);
+    bool OpenForSettings(const String& question);
+    bool Confirm(bool continued, const String& question);
+    void Configure();
     void PublishToMp4();
     bool Mp4IsTooBig();
 

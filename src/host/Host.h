@@ -4,6 +4,7 @@
 
 #include "host/IApplication.h"
 #include "host/IEventLoop.h"
+#include "host/IFileDialog.h"
 #include "host/IFileSystem.h"
 #include "host/IFmtConvert.h"
 #include "host/IFormPresenter.h"
@@ -37,6 +38,7 @@ struct Host {
     ISettingsStore& settings;
     IPower& power;
     IMessageBox& box;
+    IFileDialog& fileDialog;
     IFormPresenter& presenter;
     IKsLib& ksLib;
     IKsOptimize& ksOptimize;

@@ -53,6 +53,9 @@ class IKsLib {
     virtual std::int16_t SetCaptureArea(std::int32_t left, std::int32_t top, std::int32_t right,
                                         std::int32_t bottom) = 0;
     virtual void SetCaptureFrameRate(std::int32_t framesPerSecond) = 0;
+    /// 1 records movies without the help of the graphics hardware, 0 with it. Systems of version 60 and above decide
+    /// that by themselves.
+    virtual void SetHardAcceleration(std::int32_t disabled) = 0;
     /// Makes the capture include layered windows.
     virtual void EncoderTransparent() = 0;
     /// -1 records the system's sound too, 0 does not. The last value outlives a job.

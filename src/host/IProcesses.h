@@ -32,6 +32,10 @@ class IProcesses {
     [[nodiscard]] virtual std::unique_ptr<IProcess> StartShell(const String& commandLine) = 0;
     /// Opens a document, folder or web address with the program that the desktop has for it. False if there is none.
     virtual bool OpenWithDesktop(const String& target) = 0;
+    /// State of a service of the system by its name: "Running", "Stopped" ...; empty if the system has none such.
+    virtual String ServiceState(const String& service) = 0;
+    /// Ends a service. Fails if that is not allowed.
+    virtual void StopService(const String& service) = 0;
     /// The platform's name of our helper program `baseName` ("ffmpeg" is "ffmpeg.exe" on Windows).
     virtual String ProgramName(const String& baseName) = 0;
 };

@@ -1,5 +1,6 @@
 // The Record command's checks, the guard sequence, and the MP4 command.
 #include "recording/LectureDesk.h"
+#include "support/modGlobal.h"
 
 namespace kestrum {
 namespace {
@@ -160,6 +161,46 @@ TEST_F(Commands, VeryLongRecording_IsTooBigForMp4_BeforeTheDialogOpens) {
     });
     Play().Command(u"mnuMP4").At(5s).Run();
     EXPECT_TRUE(opened);
+}
+
+TEST_F(Commands, Configure_OfAPresentationNeverRecorded_OpensItsSettings_AndStoresThemInANewPackage) {
+    world.presenter.Do(u"frmConfig", u"look", [this](ui::Form&) {
+        EXPECT_TRUE(world.fs.FolderExists(session.support.workFolder));
+        EXPECT_TRUE(session.addIn.CommandBusy);
+    });
+    world.presenter.Select(u"frmConfig", u"cmbAudioQuality", 2).Click(u"frmConfig", u"cmdSave");
+    session.addIn.NotesButton(u"mnuConfigure");
+    EXPECT_TRUE(world.presenter.LeftOverActs().empty());
+    ASSERT_TRUE(world.ksLib.Get(kPackage));
+    EXPECT_NE(world.ksLib.Get(kPackage)->stored.at("project").find(">96<"), std::string::npos);
+    EXPECT_FALSE(world.fs.FolderExists(session.support.workFolder));
+    EXPECT_FALSE(session.addIn.CommandBusy);
+}
+
+TEST_F(Commands, Configure_Cancelled_LeavesNoPackageAndNoFolder) {
+    world.presenter.PressEscape(u"frmConfig");
+    session.addIn.NotesButton(u"mnuConfigure");
+    EXPECT_TRUE(world.presenter.LeftOverActs().empty());
+    EXPECT_FALSE(world.fs.FolderExists(session.support.workFolder));
+    EXPECT_FALSE(session.addIn.CommandBusy);
+}
+
+TEST_F(Commands, Configure_WithoutAnyLecture_ShowsThePreferencesAlone) {
+    session.support.projectSource = u"KTR";
+    session.support.packagePath.clear();
+    const auto before = world.fs.All();
+    world.presenter.Click(u"frmConfig", u"chkSkipPres").Click(u"frmConfig", u"cmdSave");
+    session.addIn.NotesButton(u"mnuConfigure");
+    EXPECT_EQ(world.settings.Get(u"configure", u"chkSkipPres"), u"1");
+    EXPECT_EQ(world.fs.All(), before);
+}
+
+TEST_F(Commands, Configure_WaitsForTheSiblingThatHoldsTheDevices) {
+    world.settings.Set(u"tokens\\Larkspin", u"recording", u"1");
+    world.settings.Set(u"tokens\\Larkspin", u"touchtime", ToText(modGlobal::GetPositiveTick(world.loop)));
+    session.addIn.NotesButton(u"mnuConfigure");
+    EXPECT_EQ(Boxes().size(), 1U);
+    EXPECT_FALSE(session.c.forms.IsFormLoaded(u"frmConfig"));
 }
 
 TEST_F(Commands, AnyFailingCall_LeavesNoFolderAndNoBusyFlag) {

@@ -50,6 +50,13 @@ TEST(CommandLine, Info_TakesJson) {
     EXPECT_EQ(info.package, "a.ktr");
 }
 
+TEST(CommandLine, Configure_TakesALectureOrNone) {
+    EXPECT_EQ(std::get<ConfigureRequest>(ParseCommandLine({"configure"})).source, "");
+    EXPECT_EQ(std::get<ConfigureRequest>(ParseCommandLine({"configure", "a b.pptx"})).source, "a b.pptx");
+    EXPECT_THROW(ParseCommandLine({"configure", "a", "b"}), UsageError);
+    EXPECT_THROW(ParseCommandLine({"configure", "--quick"}), UsageError);
+}
+
 TEST(CommandLine, NoWords_ShowTheHelp) {
     EXPECT_TRUE(std::holds_alternative<HelpRequest>(ParseCommandLine({})));
 }

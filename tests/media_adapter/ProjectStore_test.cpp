@@ -71,6 +71,7 @@ struct Session {
                     world.settings,
                     world.power,
                     world.box,
+                    world.fileDialog,
                     world.presenter,
                     lib,
                     world.ksOptimize,

@@ -77,6 +77,7 @@ class PublicationTest : public testing::Test {
                       m_world.host().settings,
                       m_world.host().power,
                       m_world.host().box,
+                      m_world.host().fileDialog,
                       m_world.host().presenter,
                       m_library,
                       m_optimize,

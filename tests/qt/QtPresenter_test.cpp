@@ -82,7 +82,7 @@ TEST_F(QtPresenterTest, Dialog_ShowsItsValues_InAWindowThatFitsThem) {
 
 TEST_F(QtPresenterTest, Captions_ShowAmpersandsAsTheyAre) {
     auto& dialog = ShowDialog();
-    EXPECT_EQ(WidgetNamed<QAbstractButton>(dialog, "Keep the ratio & size").text(), "Keep the ratio && size");
+    EXPECT_EQ(WidgetNamed<QAbstractButton>(dialog, "Keep the ratio & size").text(), "&Keep the ratio && size");
 }
 
 TEST_F(QtPresenterTest, Changes_ReachTheScreen) {

@@ -13,6 +13,9 @@ class LinuxProcesses : public host::IProcesses {
     [[nodiscard]] std::unique_ptr<host::IProcess> StartShell(const String& commandLine) override;
     /// Asks `xdg-open`. Waits up to half a second for its "there is none".
     bool OpenWithDesktop(const String& target) override;
+    /// None of the services that the rules name exists here.
+    String ServiceState(const String&) override { return {}; }
+    void StopService(const String&) override {}
     /// The name itself: programs carry no ending here. The recorder's own is written in small letters.
     String ProgramName(const String& baseName) override { return baseName == u"Kestrum" ? u"kestrum" : baseName; }
 };

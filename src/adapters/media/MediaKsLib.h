@@ -25,6 +25,7 @@ class MediaKsLib : public host::IKsLib {
     std::int16_t EncoderSetFilename(const String& package, const String& projectFile, const String& indexText) override;
     std::int16_t SetCaptureArea(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom) override;
     void SetCaptureFrameRate(std::int32_t framesPerSecond) override;
+    void SetHardAcceleration(std::int32_t) override {}
     void EncoderTransparent() override {}
     void EnableRecSystemAudio(std::int32_t enable) override;
     void EncoderInitDevice() override;

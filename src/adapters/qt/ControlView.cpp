@@ -45,7 +45,7 @@ class ClickView : public View<Model, WidgetType> {
     }
 
   protected:
-    void SyncValues(int) override { this->m_view.setText(ToCaption(this->m_model.Caption())); }
+    void SyncValues(int) override { this->m_view.setText(ToCaption(this->m_model.Caption(), this->AccessKey())); }
 };
 
 class ButtonView : public ClickView<ui::CommandButton, QPushButton> {
@@ -229,6 +229,11 @@ class ToolbarView : public View<ui::Toolbar, QToolBar> {
 };
 
 }  // namespace
+
+void ControlView::SetAccessKey(std::size_t at, QWidget* target) {
+    m_accessKey = at;
+    m_accessTarget = target;
+}
 
 void ControlView::Sync(int textWidth) {
     const QSignalBlocker quiet(m_widget);

@@ -26,16 +26,24 @@ class ControlView {
     /// Where the children of a frame go; null for other controls.
     virtual QWidget* Inside() { return nullptr; }
 
+    /// The letter of the caption that is the control's access key (ui/AccessKeys.h), npos for none, and the widget that
+    /// it takes the keyboard to.
+    void SetAccessKey(std::size_t at, QWidget* target);
+
     /// Makes the widget show the control's present values, without an act coming back. Texts without a width of their
     /// own wrap at `textWidth` pixels.
     void Sync(int textWidth);
 
   protected:
     virtual void SyncValues(int textWidth) = 0;
+    std::size_t AccessKey() const { return m_accessKey; }
+    QWidget* AccessTarget() const { return m_accessTarget; }
 
   private:
     ui::Control& m_control;
     QWidget* m_widget;
+    std::size_t m_accessKey = StringView::npos;
+    QWidget* m_accessTarget = nullptr;
 };
 
 /// The view of `control` as a child of `parent`; null for a control that is not drawn in the layout (timer, menu).

@@ -14,6 +14,7 @@
 #include "adapters/qt/Look.h"
 #include "adapters/qt/QtApplication.h"
 #include "adapters/qt/QtText.h"
+#include "ui/AccessKeys.h"
 
 namespace kestrum::qt {
 namespace {
@@ -113,6 +114,7 @@ void FormWindow::Sync() {
     const bool hasWidth = m_form.Place().width > 0 && !m_form.Style().borderless;
     const int textWidth = hasWidth ? m_form.Place().width - 2 * kMargin : kTextWidth;
     SyncStyle();
+    SyncAccessKeys();
     for (const auto& view : m_views) {
         if (m_pendingActs == 0 || !view->Control().IsFocusable()) view->Sync(textWidth);
     }
@@ -120,6 +122,15 @@ void FormWindow::Sync() {
     SyncSize();
     SyncPlace();
     SyncFocus();
+}
+
+void FormWindow::SyncAccessKeys() {
+    for (const auto& view : m_views) view->SetAccessKey(StringView::npos, nullptr);
+    for (const ui::AccessKey& key : ui::AccessKeysOf(m_form)) {
+        ControlView* bearer = ViewOf(key.caption);
+        ControlView* target = ViewOf(key.target);
+        if (bearer && target) bearer->SetAccessKey(key.at, bearer == target ? nullptr : &target->Widget());
+    }
 }
 
 void FormWindow::SyncStyle() {

@@ -40,6 +40,7 @@ class FormWindow : public QWidget {
     void BuildMenu(QLayout& root);
     void SyncMenu();
     void SyncStyle();
+    void SyncAccessKeys();
     void SyncSize();
     void SyncPlace();
     void SyncFocus();

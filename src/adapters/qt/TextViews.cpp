@@ -55,7 +55,12 @@ class LabelView : public ControlView {
     void SyncValues(int textWidth) override {
         const QString text = WithPlainLineEnds(ToQt(m_model.Caption()));
         m_view.setAlignment(ToQtAlignment(m_model.TextAlignment()));
-        m_view.setText(m_view.fontMetrics().size(0, text).width() > textWidth ? Breakable(text) : text);
+        m_view.setBuddy(AccessTarget());
+        if (AccessTarget()) {
+            m_view.setText(ToCaption(m_model.Caption(), AccessKey()));
+        } else {
+            m_view.setText(m_view.fontMetrics().size(0, text).width() > textWidth ? Breakable(text) : text);
+        }
         FitText(m_view, text, textWidth);
     }
 

@@ -58,6 +58,10 @@ void KsLib::SetCaptureFrameRate(std::int32_t framesPerSecond) {
     Line(u"SetCaptureFrameRate " + Number(framesPerSecond));
 }
 
+void KsLib::SetHardAcceleration(std::int32_t disabled) {
+    Line(u"SetHardAcceleration " + Number(disabled));
+}
+
 void KsLib::EncoderTransparent() {
     Line(u"EncoderTransparent");
 }

@@ -79,6 +79,12 @@ std::unique_ptr<host::IProcess> Processes::StartShell(const String& commandLine)
     return Launch(BaseName(commandLine.substr(0, commandLine.find(u' '))), {commandLine});
 }
 
+void Processes::StopService(const String& service) {
+    m_faults.Check(u"processes.StopService");
+    m_transcript.Add(u"stop service " + service);
+    services[service] = u"Stopped";
+}
+
 bool Processes::OpenWithDesktop(const String& target) {
     m_transcript.Add(u"open " + target);
     if (!desktopOpens) return false;

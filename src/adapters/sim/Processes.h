@@ -1,6 +1,6 @@
 // Child processes as scripts: a program by name has a duration in virtual time, an exit code and an effect that it
 // leaves behind at its end. A program without a script cannot be started. Faults: "processes.Start",
-// "processes.StartShell" (raise).
+// "processes.StartShell", "processes.StopService" (raise).
 #pragma once
 
 #include <functional>
@@ -38,10 +38,14 @@ class Processes : public host::IProcesses {
     /// The script is found by the command line's first word; the whole line is its only argument.
     std::unique_ptr<host::IProcess> StartShell(const String& commandLine) override;
     bool OpenWithDesktop(const String& target) override;
+    String ServiceState(const String& service) override { return services.contains(service) ? services[service] : u""; }
+    void StopService(const String& service) override;
     String ProgramName(const String& baseName) override { return baseName; }
 
     /// Scripts by the program's name without its folder.
     std::map<String, Program> programs;
+    /// Services of the system and their states.
+    std::map<String, String> services;
     /// All that were started, in order.
     std::vector<std::shared_ptr<StartedProcess>> started;
     std::vector<String> opened;

@@ -14,6 +14,7 @@ World::World()
              settings,
              power,
              box,
+             fileDialog,
              presenter,
              ksLib,
              ksOptimize,

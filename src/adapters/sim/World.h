@@ -5,6 +5,7 @@
 #include "adapters/sim/Application.h"
 #include "adapters/sim/EventLoop.h"
 #include "adapters/sim/Faults.h"
+#include "adapters/sim/FileDialog.h"
 #include "adapters/sim/FileSystem.h"
 #include "adapters/sim/InputHooks.h"
 #include "adapters/sim/KsHook.h"
@@ -48,6 +49,7 @@ class World {
     SettingsStore settings{faults};
     Power power;
     MessageBox box{loop, transcript};
+    FileDialog fileDialog;
     ui::HeadlessPresenter presenter{loop};
     KsLib ksLib{faults, transcript, loop, fs};
     KsOptimize ksOptimize{faults, transcript, loop, fs};

@@ -85,6 +85,16 @@ PublishRequest ParsePublish(Words& words) {
     return request;
 }
 
+ConfigureRequest ParseConfigure(Words& words) {
+    ConfigureRequest request;
+    while (!words.AtEnd()) {
+        const std::string word = words.Take();
+        if (IsOption(word)) throw UsageError("configure has no option " + word + ".");
+        TakeOperand(request.source, word, "presentation or package");
+    }
+    return request;
+}
+
 InfoRequest ParseInfo(Words& words) {
     InfoRequest request;
     while (!words.AtEnd()) {
@@ -127,6 +137,7 @@ Request ParseCommandLine(const std::vector<std::string>& arguments) {
     const std::string command = words.Take();
     if (command == "record") return ParseRecord(words);
     if (command == "publish") return ParsePublish(words);
+    if (command == "configure") return ParseConfigure(words);
     if (command == "info") return ParseInfo(words);
     if (command == "verify") return ParseVerify(words);
     if (command == "help" || command == "--help" || command == "-h") return HelpRequest{};
@@ -145,6 +156,9 @@ std::string HelpText() {
 
   kestrum publish mp4 DECK|PACKAGE
       Makes a folder with a web page that plays the lecture. The folder stands beside the package.
+
+  kestrum configure [DECK|PACKAGE]
+      Shows the settings on the desktop: those of the recorder, and of the lecture that is named.
 
   kestrum info [--json] PACKAGE
       Shows what a package holds: title, length, stored files, index.

@@ -22,6 +22,11 @@ struct PublishRequest {
     std::string source;
 };
 
+/// `kestrum configure [DECK|PACKAGE]`
+struct ConfigureRequest {
+    std::string source;  ///< empty: the preferences alone
+};
+
 /// `kestrum info [--json] PACKAGE`
 struct InfoRequest {
     std::string package;
@@ -42,8 +47,8 @@ struct RegisterRequest {};
 struct HelpRequest {};
 struct VersionRequest {};
 
-using Request = std::variant<RecordRequest, PublishRequest, InfoRequest, VerifyRequest, RegisterRequest, HelpRequest,
-                             VersionRequest>;
+using Request = std::variant<RecordRequest, PublishRequest, ConfigureRequest, InfoRequest, VerifyRequest,
+                             RegisterRequest, HelpRequest, VersionRequest>;
 
 /// The words cannot be understood; what() is the sentence for the user.
 class UsageError : public std::runtime_error {

@@ -2,6 +2,7 @@
 // answered so.
 #pragma once
 
+#include "host/IFileDialog.h"
 #include "host/IInputHooks.h"
 #include "host/IKsHook.h"
 #include "host/IMonitors.h"
@@ -71,6 +72,12 @@ class NoKsHook final : public host::IKsHook {
     std::int32_t InstallMessageHook(host::WindowHandle, std::int32_t) override { return 0; }
     void UnInstallMessageHook() override {}
     void EnableHotKey(std::int32_t) override {}
+};
+
+/// Nobody is there to pick a file.
+class NoFileDialog final : public host::IFileDialog {
+  public:
+    std::optional<String> OpenFile(const host::FileQuestion&) override { return std::nullopt; }
 };
 
 /// A batch command keeps nobody's screen awake.

@@ -16,6 +16,7 @@ BatchProgram::BatchProgram(Console& console)
              m_ground.settings,
              m_power,
              m_box,
+             m_fileDialog,
              m_presenter,
              m_media.ksLib,
              m_media.ksOptimize,

@@ -32,6 +32,7 @@ class BatchProgram {
     NoKsHook m_ksHook;
     NoPower m_power;
     UnattendedBox m_box;
+    NoFileDialog m_fileDialog;
     NoScreen m_screen{m_loop};
     UnattendedPresenter m_presenter;
     MediaPorts m_media{m_loop};

@@ -6,42 +6,12 @@
 #include "apps/commandline/Unattended.h"
 #include "apps/kestrum/BatchProgram.h"
 #include "apps/kestrum/DeadRecorder.h"
+#include "apps/kestrum/PackageAtHand.h"
 #include "project/modProject.h"
 #include "publish/modPublish.h"
 
 namespace kestrum::app {
 namespace {
-
-constexpr char16_t kPackageEnding[] = u".ktr";
-
-/// The package that the user means: the one named, or the one beside the deck named.
-String PackageOf(const String& source) {
-    return source.ends_with(kPackageEnding) ? source : modGlobal::PackagePathOf(source);
-}
-
-void RefuseUnlessPackage(const support::Context& c, const String& package) {
-    String sentence;
-    if (!c.host.fs.FileExists(package)) {
-        sentence = Sentence(c, u"msgNoPackage", u"There is no package \"%s1\".", {package});
-    } else if (c.host.ksLib.GetFileFormatVersion(package) == 0) {
-        sentence = Sentence(c, u"msgNotAPackage", u"\"%s1\" is not a Kestrum package.", {package});
-    }
-    if (!sentence.empty()) throw host::Error(host::ErrorNumber::FileNotFound, u"publish", sentence);
-}
-
-/// Sets the paths of a package by itself, as a hosting program does, and makes its scratch folder.
-void TakePackage(const project::Context& c, const String& package) {
-    c.support.projectSource = u"KTR";
-    c.support.packagePath = package;
-    c.support.packageFolder = modGlobal::FolderOf(c, package);
-    do {
-        c.support.workFolder =
-            modGlobal::Join(c, c.host.shell.Environment(u"temp"), u"_ksproj_" + c.host.fs.TemporaryName());
-    } while (c.host.fs.FolderExists(c.support.workFolder));
-    c.host.fs.CreateFolder(c.support.workFolder);
-    c.support.projectFileName = u"project.ksp";
-    modProject::InitProject(c);
-}
 
 String FailureOf(const Session& session, const BatchProgram& program) {
     if (!session.publish.failure.empty()) return session.publish.failure;
@@ -55,7 +25,7 @@ int RunPublish(Console& console, const PublishRequest& request) {
     BatchProgram program(console);
     Session session(program.Host());
     const String package = PackageOf(FullPath(request.source));
-    RefuseUnlessPackage(session.c, package);
+    RefuseUnlessPackage(session.c, package, u"publish");
 
     int signal = 0;
     const platform::EndSignals endSignals(program.Loop(), [&](int number) {

@@ -47,6 +47,7 @@ host::Host ScreenProgram::Ports(host::IApplication& office) {
             m_ground.settings,
             m_power,
             box,
+            m_fileDialog,
             presenter,
             m_media.ksLib,
             m_media.ksOptimize,

@@ -9,6 +9,7 @@
 #include "adapters/linux/X11Windows.h"
 #include "adapters/qt/QtApplication.h"
 #include "adapters/qt/QtEventLoop.h"
+#include "adapters/qt/QtFileDialog.h"
 #include "adapters/qt/QtMessageBox.h"
 #include "adapters/qt/QtPresenter.h"
 #include "apps/commandline/Unattended.h"
@@ -47,6 +48,7 @@ class ScreenProgram {
     platform::LinuxKsHook m_ksHook{m_input, m_display, m_windows, platform::LinuxKsHook::DefaultLockFile()};
     platform::LinuxPower m_power{m_display, m_ground.trace};
     qt::QtMessageBox m_box;
+    qt::QtFileDialog m_fileDialog{m_loop};
     UnattendedBox m_answers;
     qt::QtPresenter m_screen{m_loop};
     UnattendedPresenter m_presenter;

@@ -4,6 +4,7 @@
 #include "adapters/linux/EndSignals.h"
 #include "apps/commandline/InfoCommand.h"
 #include "apps/kestrum/BatchProgram.h"
+#include "apps/kestrum/ConfigureCommand.h"
 #include "apps/kestrum/PublishCommand.h"
 #include "apps/kestrum/RecordCommand.h"
 #include "apps/kestrum/VerifyPackage.h"
@@ -34,6 +35,7 @@ int Run(Console& console, const std::vector<std::string>& arguments) {
     if (const auto* record = std::get_if<RecordRequest>(&request)) return RunRecord(console, *record);
     if (const auto* publish = std::get_if<PublishRequest>(&request)) return RunPublish(console, *publish);
     if (const auto* verify = std::get_if<VerifyRequest>(&request)) return VerifyPackage(console, *verify);
+    if (const auto* configure = std::get_if<ConfigureRequest>(&request)) return RunConfigure(console, *configure);
     if (std::holds_alternative<RegisterRequest>(request)) return 0;
     if (!std::holds_alternative<HelpRequest>(request)) return RunPortable(console, request);
     std::cout << HelpText();

@@ -1,0 +1,49 @@
+#include "apps/kestrum/ConfigureCommand.h"
+
+#include "adapters/linux/EndSignals.h"
+#include "addin/Session.h"
+#include "apps/commandline/NoOffice.h"
+#include "apps/kestrum/DeadRecorder.h"
+#include "apps/kestrum/PackageAtHand.h"
+#include "apps/kestrum/ScreenProgram.h"
+#include "project/modProject.h"
+
+namespace kestrum::app {
+namespace {
+
+/// The package whose settings are asked for, empty for none. A deck that was never recorded gets its package now.
+String PackageFor(const support::Context& c, const std::string& source) {
+    if (source.empty()) return {};
+    const String path = FullPath(source);
+    const String package = PackageOf(path);
+    const bool isNew = package != path && c.host.fs.FileExists(path) && !c.host.fs.FileExists(package);
+    if (!isNew) RefuseUnlessPackage(c, package, u"configure");
+    return package;
+}
+
+}  // namespace
+
+int RunConfigure(Console& console, const ConfigureRequest& request) {
+    ScreenProgram program(console, false);
+    NoOffice office;
+    host::Host ports = program.Ports(office);
+    Session session(ports);
+    const String package = PackageFor(session.c, request.source);
+
+    int signal = 0;
+    const platform::EndSignals endSignals(program.Loop(), [&](int number) {
+        signal = number;
+        if (ui::Form* dialog = session.c.forms.Find(u"frmConfig")) dialog->Unload();
+    });
+    DisarmMarkerOfDeadRecorder(session.c);
+    session.Connect();
+    // Neither a package by itself nor the preferences alone belong to a presentation.
+    session.support.projectSource = u"KTR";
+    if (!package.empty()) TakePackage(session.c, package);
+    session.addIn.NotesButton(u"mnuConfigure");
+    modProject::DeleteWorkFolder(session.c);
+    session.Disconnect();
+    return signal != 0 ? 128 + signal : 0;
+}
+
+}  // namespace kestrum::app

@@ -1,0 +1,41 @@
+#include "apps/kestrum/PackageAtHand.h"
+
+#include "apps/commandline/Texts.h"
+#include "project/modProject.h"
+#include "support/modGlobal.h"
+
+namespace kestrum::app {
+namespace {
+
+constexpr char16_t kPackageEnding[] = u".ktr";
+
+}  // namespace
+
+String PackageOf(const String& source) {
+    return source.ends_with(kPackageEnding) ? source : modGlobal::PackagePathOf(source);
+}
+
+void RefuseUnlessPackage(const support::Context& c, const String& package, const String& source) {
+    String sentence;
+    if (!c.host.fs.FileExists(package)) {
+        sentence = Sentence(c, u"msgNoPackage", u"There is no package \"%s1\".", {package});
+    } else if (c.host.ksLib.GetFileFormatVersion(package) == 0) {
+        sentence = Sentence(c, u"msgNotAPackage", u"\"%s1\" is not a Kestrum package.", {package});
+    }
+    if (!sentence.empty()) throw host::Error(host::ErrorNumber::FileNotFound, source, sentence);
+}
+
+void TakePackage(const project::Context& c, const String& package) {
+    c.support.projectSource = u"KTR";
+    c.support.packagePath = package;
+    c.support.packageFolder = modGlobal::FolderOf(c, package);
+    do {
+        c.support.workFolder =
+            modGlobal::Join(c, c.host.shell.Environment(u"temp"), u"_ksproj_" + c.host.fs.TemporaryName());
+    } while (c.host.fs.FolderExists(c.support.workFolder));
+    c.host.fs.CreateFolder(c.support.workFolder);
+    c.support.projectFileName = u"project.ksp";
+    modProject::InitProject(c);
+}
+
+}  // namespace kestrum::app

@@ -1,0 +1,95 @@
+// The product's own forms on a real display, over the scripted world with the installed language file.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "adapters/qt/QtMessageBox.h"
+#include "adapters/qt/QtPresenter.h"
+#include "adapters/qt/QtText.h"
+#include "publish/PublishWorld.h"
+#include "qt/Screen.h"
+#include "recording/Context.h"
+
+namespace kestrum::qt {
+
+class ProductFormsTest : public testing::Test, protected test::PublishWorld {
+  protected:
+    ProductFormsTest() {
+        world.fs.Put(InInstall(u"res.xml"), test::InstallFile("res.xml"));
+        world.monitors.SetSingle(Screen::kWidth, Screen::kHeight);
+    }
+    ~ProductFormsTest() override { EXPECT_TRUE(trace.lines.empty()); }
+
+    host::Host MakeHost() {
+        host::Host& w = world.host();
+        return {w.app,
+                loop,
+                w.fs,
+                w.monitors,
+                w.hooks,
+                w.windows,
+                w.processes,
+                w.shell,
+                w.settings,
+                w.power,
+                box,
+                w.fileDialog,
+                qtPresenter,
+                w.ksLib,
+                w.ksOptimize,
+                w.ksHook,
+                w.fmtConvert,
+                w.recSystemAudio,
+                w.ksEditorControl,
+                w.scip2,
+                w.trace,
+                w.installFolder};
+    }
+    FormWindow& WindowOf(const ui::Form& form) { return *qtPresenter.Find(form); }
+    bool PumpUntil(const std::function<bool()>& done) { return Screen::PumpUntil(loop, done); }
+    void Settle() {
+        for (int i = 0; i < 5; ++i) loop.DoEvents();
+    }
+    template <class F>
+    F& Shown(F& form) {
+        form.Show();
+        form.Refresh();
+        Settle();
+        return form;
+    }
+    /// A picture of the window as it is on the screen.
+    void Keep(const ui::Form& form, const std::string& variant = {}) {
+        const std::string folder = std::string(KESTRUM_BIN_DIR) + "/../screenshots";
+        std::filesystem::create_directories(folder);
+        const QString name = QString::fromStdString(folder + "/") + ToQt(form.Name()) +
+                             QString::fromStdString(variant) + QStringLiteral(".png");
+        EXPECT_TRUE(WindowOf(form).grab().save(name));
+    }
+    QRect DisplayRect() const { return {0, 0, Screen::kWidth, Screen::kHeight}; }
+
+    template <class WidgetType>
+    WidgetType* WidgetWithText(const ui::Form& form, const QString& text) {
+        for (auto* widget : WindowOf(form).findChildren<WidgetType*>()) {
+            if (widget->text() == text) return widget;
+        }
+        return nullptr;
+    }
+
+    Screen& screen = Screen::Get();
+    platform::RecordingTrace trace;
+    QtEventLoop loop{trace};
+    QtPresenter qtPresenter{loop};
+    QtMessageBox box{loop, u"Kestrum for PowerPoint"};
+    host::Host realHost = MakeHost();
+    ui::Forms forms{qtPresenter, loop};
+    devices::State devices;
+    display::State display;
+    recording::State recordingState;
+    project::Context projectHere{support::Context{realHost, forms, support}, project};
+    publish::Context publishHere{projectHere, published};
+    recording::Context recordHere{projectHere, devices, display, recordingState};
+};
+
+}  // namespace kestrum::qt
