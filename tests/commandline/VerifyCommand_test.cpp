@@ -51,6 +51,7 @@ class VerifyCommandTest : public testing::Test {
                          w.world.settings,
                          w.world.power,
                          box,
+                         w.world.fileDialog,
                          w.world.presenter,
                          w.world.ksLib,
                          w.world.ksOptimize,
