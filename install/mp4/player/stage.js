@@ -100,12 +100,20 @@
       if (name in video) video[name] = true;
     }
 
+    /// Leaves an attribute alone that holds what it should already: the page names movie and cover itself, so that the browser
+    /// fetches them while it still reads the scripts.
+    function setOnce(name, value) {
+      if (video.getAttribute(name) !== value) video[name] = value;
+    }
+
     /// begin (ms) is where the lecture opens; onReady is called once the movie can jump.
     function load(begin, onReady) {
       ready = () => { ready = () => {}; onReady(); };
-      if (lecture.poster) video.poster = lecture.poster;
-      video.src = lecture.movie;
+      if (video.readyState < 2) setOnce('poster', lecture.poster);
+      setOnce('src', lecture.movie);
       if (begin > 0) seek(begin);
+      if (video.error) onError(); else if (video.readyState >= 1) onMetadata();
+      if (video.readyState >= 2) video.removeAttribute('poster');
     }
 
     return { video, now, seek, seekSoon, play, toggle, load, move: (ms) => seek(Math.max(video.currentTime * 1000 + ms, 0)),

@@ -18,6 +18,11 @@ test('Case, accents and joined letters do not count, and what was found is marke
     assert.deepEqual(await marks(page), marked, typed);
     assert.equal(await page.locator('#count').textContent(), '1 of 8');
   }
+  await page.fill('#search', 'key frame');
+  for (const name of await page.locator('.entry:visible .name').all()) {
+    const [one, other] = await Promise.all((await name.locator('mark').all()).map((mark) => mark.boundingBox()));
+    assert.ok(other.y > one.y || other.x > one.x + one.width + 2, 'the blank between two marked words stays');
+  }
 });
 
 test('A letter with a separate accent is found and marked whole', async (t) => {
