@@ -97,6 +97,7 @@ class ProcessRunnerTest : public testing::Test {
                       m_world.settings,
                       m_world.power,
                       m_world.box,
+                      m_world.fileDialog,
                       m_presenter,
                       m_world.ksLib,
                       m_world.ksOptimize,

@@ -450,6 +450,7 @@ class FailingStepTest : public ModProjectTest {
                 h.settings,
                 h.power,
                 h.box,
+                h.fileDialog,
                 h.presenter,
                 lib,
                 h.ksOptimize,

@@ -40,6 +40,7 @@ class ExecCmdTest : public testing::Test {
                 w.settings,
                 w.power,
                 box,
+                w.fileDialog,
                 qtPresenter,
                 w.ksLib,
                 w.ksOptimize,
