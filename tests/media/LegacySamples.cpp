@@ -10,6 +10,7 @@
 #include "media/package/Ebml.h"
 #include "media/package/Layout.h"
 #include "media/package/PackageMap.h"
+#include "media/package/ProjectXml.h"
 
 namespace kestrum::media::test {
 
@@ -117,9 +118,12 @@ Bytes OldProjectFile(const std::string& ver, const std::vector<std::int64_t>& po
 
 void MakeLegacyFolder(const std::string& path) {
     std::filesystem::create_directories(path + "/icons");
-    RecordFile(path + "/media.ks");
+    const std::int64_t length = RecordFile(path + "/media.ks");
     SetFormatVersion(path + "/media.ks", "7.0");
-    WriteWholeFile(path + "/project.ksp", OldProjectFile("7.1.2", {0, 2000}));
+    std::string project = AsText(OldProjectFile("7.1.2", {0, 2000}));
+    const std::string noted = "00:04";
+    project.replace(project.find(noted), noted.size(), DurationText(length));
+    WriteWholeFile(path + "/project.ksp", AsBytes(project));
     WriteWholeFile(path + "/icons/cursor.gif", AsBytes("the cursor"));
     WriteWholeFile(path + "/me.jpg", AsBytes("the photo"));
     WriteWholeFile(path + "/inteIndex.txt", AsBytes("the index text"));

@@ -14,6 +14,7 @@
 #include "media/legacy/LegacyFolder.h"
 #include "media/legacy/LegacyProject.h"
 #include "media/package/Layout.h"
+#include "media/package/ProjectXml.h"
 
 namespace kestrum::media {
 namespace {
@@ -120,7 +121,7 @@ TEST_F(LegacyTest, Folder_BecomesAPackageWithTheSameMediaAndFiles) {
     EXPECT_EQ(KeyFrames(m_package), KeyFrames(m_old + "/media.ks"));
     EXPECT_TRUE(Packets(m_package) == Packets(m_old + "/media.ks"));
     const StoredFiles files = ReadStored(m_package);
-    EXPECT_EQ(IndexOf(*files.at(kProjectFileName)), "00:04|0|2000");
+    EXPECT_EQ(IndexOf(*files.at(kProjectFileName)), DurationText(LengthMs(m_package)) + "|0|2000");
     EXPECT_EQ(AsText(*files.at(kCursorImageName)), "the cursor");
     EXPECT_EQ(AsText(*files.at(kPhotoName)), "the photo");
     EXPECT_EQ(AsText(*files.at(kIndexTextName)), "the index text");

@@ -4,13 +4,8 @@
 
 #include <filesystem>
 
-#include "adapters/linux/EventLoop.h"
-#include "adapters/linux/LinuxFileSystem.h"
-#include "adapters/linux/TraceLog.h"
-#include "adapters/media/MediaKsLib.h"
-#include "adapters/sim/World.h"
+#include "media_adapter/ProjectSession.h"
 #include "project/modKspXml.h"
-#include "project/modProject.h"
 #include "real/Children.h"
 #include "real/PulseServer.h"
 #include "real/TestWindow.h"
@@ -21,74 +16,9 @@ namespace kestrum::adapters {
 namespace {
 
 using namespace kestrum::real;
-using Titles = std::vector<String>;
+using Titles = Session::Titles;
 
 constexpr int kWidth = 640, kHeight = 480;
-const std::string kWorker = std::string(KESTRUM_BIN_DIR) + "/ksmedia";
-
-/// One run of the program: a worker of its own, its own scratch folder, boxes that are taken as read.
-struct Session {
-    explicit Session(const std::filesystem::path& folder) {
-        support.applicationTitle = u"Kestrum";
-        support.projectSource = u"KTR";
-        support.packagePath = host::FromUtf8((folder / "week 1 課程.ktr").string());
-        support.packageFolder = host::FromUtf8(folder.string());
-        static int number = 0;
-        support.workFolder = host::FromUtf8((folder / ("work" + std::to_string(++number))).string());
-    }
-
-    bool Open(bool isNew) {
-        bool continued = false;
-        return modProject::OpenProject(c, isNew, continued);
-    }
-
-    Titles IndexTitles() const {
-        Titles titles;
-        for (const CIndexItem& item : project.g_Project.index) titles.push_back(item.title);
-        return titles;
-    }
-
-    bool WasTold(StringView part) const {
-        for (const sim::ShownBox& box : world.box.Shown())
-            if (box.text.find(part) != String::npos) return true;
-        return false;
-    }
-
-    sim::World world;
-    platform::TraceLog trace;
-    platform::EventLoop loop{trace};
-    platform::LinuxFileSystem fs;
-    WorkerLink worker{kWorker, loop};
-    MediaKsLib lib{worker};
-    host::Host host{world.app,
-                    loop,
-                    fs,
-                    world.monitors,
-                    world.hooks,
-                    world.windows,
-                    world.processes,
-                    world.shell,
-                    world.settings,
-                    world.power,
-                    world.box,
-                    world.fileDialog,
-                    world.presenter,
-                    lib,
-                    world.ksOptimize,
-                    world.ksHook,
-                    world.host().fmtConvert,
-                    world.recSystemAudio,
-                    world.host().ksEditorControl,
-                    world.host().scip2,
-                    trace,
-                    host::FromUtf8(std::string(KESTRUM_SOURCE_DIR) + "/install")};
-    support::State support;
-    ui::Forms forms{world.presenter, loop};
-    support::Context base{host, forms, support};
-    project::State project{base};
-    project::Context c{base, project};
-};
-
 class ProjectStoreTest : public testing::Test {
   protected:
     /// The driver's calls from the start to the running recording, its first entry included.
