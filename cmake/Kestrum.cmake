@@ -2,8 +2,12 @@
 
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
-find_package(GTest REQUIRED)
-find_package(pugixml REQUIRED)
+if(WIN32)
+  include(cmake/WindowsLibraries.cmake)
+else()
+  find_package(GTest REQUIRED)
+  find_package(pugixml REQUIRED)
+endif()
 
 # The folder that a build makes ready to use: all programs beside the files of install/.
 set(KESTRUM_INSTALL_FOLDER "${PROJECT_BINARY_DIR}/install")

@@ -1,4 +1,5 @@
 // The publication itself: the steps that frmExportMp4 runs from its timer.
+#include "project/Paths.h"
 #include "project/modProject.h"
 #include "publish/KeyFrameSnap.h"
 #include "publish/PlayerData.h"
@@ -78,7 +79,7 @@ void frmExportMp4::CopyPlayer() {
     m_c.host.fs.CopyFolder(modGlobal::Join(m_c, m_c.host.installFolder, u"mp4"), m_output);
     const String author = OutputFile(u"author.png");
     modGlobal::SafeMoveFile(m_c, OutputFile(u"author_120.png"), author, false);
-    m_c.host.ksLib.DrawImageToFit(author, modGlobal::Join(m_c, m_c.support.workFolder, m_c.project.g_Project.photo));
+    m_c.host.ksLib.DrawImageToFit(author, project::PhotoFile(m_c));
 }
 
 // --- The conversion --------------------------------------------------------------------------------------------------

@@ -18,6 +18,11 @@ bool HasDriveLetters(const support::Context& c) {
     return c.host.fs.Separator() == u'\\';
 }
 
+/// Where the last component's separator stands. Where paths have backslashes a slash separates too, whatever wrote it.
+std::size_t LastSeparator(const support::Context& c, StringView path) {
+    return HasDriveLetters(c) ? path.find_last_of(u"\\/") : path.rfind(c.host.fs.Separator());
+}
+
 /// Runs `statement`; false, with a trace, if it failed.
 template <class Statement>
 bool Attempt(const support::Context& c, Statement&& statement) {
@@ -46,12 +51,12 @@ String Join(const support::Context& c, StringView folder, StringView name) {
 }
 
 String FileNameOf(const support::Context& c, StringView path) {
-    const std::size_t separator = path.rfind(c.host.fs.Separator());
+    const std::size_t separator = LastSeparator(c, path);
     return String(separator == StringView::npos ? path : path.substr(separator + 1));
 }
 
 String FolderOf(const support::Context& c, StringView path) {
-    const std::size_t separator = path.rfind(c.host.fs.Separator());
+    const std::size_t separator = LastSeparator(c, path);
     return String(separator == StringView::npos ? StringView() : path.substr(0, separator));
 }
 

@@ -9,7 +9,7 @@ namespace kestrum::app {
 namespace {
 
 TEST(UnattendedBox, EachQuestionGetsTheAnswerThatGoesOn) {
-    Console console;
+    Console console{false};
     UnattendedBox box(console);
     EXPECT_EQ(box.Show(u"Repair it?", host::BoxButtons::YesNo, u""), host::BoxAnswer::Yes);
     EXPECT_EQ(box.Show(u"Go on?", host::BoxButtons::OkCancel, u""), host::BoxAnswer::Ok);
@@ -18,20 +18,20 @@ TEST(UnattendedBox, EachQuestionGetsTheAnswerThatGoesOn) {
 }
 
 TEST(UnattendedBox, AProjectFileThatCannotBeRead_IsLeftAsItIs) {
-    Console console;
+    Console console{false};
     UnattendedBox box(console);
     EXPECT_EQ(box.Show(u"...", host::BoxButtons::OkCancel, u"Load project.ksp"), host::BoxAnswer::Cancel);
 }
 
 TEST(UnattendedBox, AQuestionThatIsToBeRefused_GetsNo) {
-    Console console;
+    Console console{false};
     UnattendedBox box(console);
     box.AnswerNo(u"Watch it now?");
     EXPECT_EQ(box.Show(u"Watch it now?", host::BoxButtons::YesNo, u""), host::BoxAnswer::No);
 }
 
 TEST(UnattendedBox, TheLastMessage_IsKeptForTheSentenceOfAFailure) {
-    Console console;
+    Console console{false};
     UnattendedBox box(console);
     box.Show(u"Repair it?", host::BoxButtons::YesNo, u"");
     EXPECT_EQ(box.LastMessage(), u"");
@@ -41,7 +41,7 @@ TEST(UnattendedBox, TheLastMessage_IsKeptForTheSentenceOfAFailure) {
 
 TEST(UnattendedPresenter, AModalForm_GetsItsButtonPressed) {
     sim::World world;
-    Console console;
+    Console console{false};
     NoScreen screen(world.loop);
     UnattendedPresenter presenter(screen, world.loop, console);
     ui::Forms forms(presenter, world.loop);

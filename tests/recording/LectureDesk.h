@@ -28,16 +28,17 @@ struct LectureDesk {
     static constexpr char16_t kDeck[] = u"/home/anna/talks/lecture.pptx";
     static constexpr char16_t kPackage[] = u"/home/anna/talks/lecture.ktr";
 
-    LectureDesk() : session(world.host()) {
+    explicit LectureDesk(sim::PathStyle style = sim::PathStyle::Linux, const String& deck = kDeck)
+        : world(style), session(world.host()) {
         for (const char* name : {"default.ksp", "encfiles/photo.gif", "template/default/icons/cursor.gif"}) {
-            world.fs.Put(String(sim::World::kInstallFolder) + u"/" + host::FromUtf8(name), InstallFile(name));
+            world.fs.Put(world.places.installFolder + u"/" + host::FromUtf8(name), InstallFile(name));
         }
-        world.fs.Put(kDeck, "slides");
+        world.fs.Put(deck, "slides");
         world.monitors.SetSingle(1280, 720);
         world.settings.Set(u"configure", u"chkSetVolBefRec", u"0");
         world.settings.Set(u"configure", u"chkLowVolDetect", u"0");
         world.processes.programs[u"Kestrum"] = {};
-        world.app.Open(sim::Deck::Titled(kDeck, {u"Welcome", u"Waves", u"Light", u"Sound", u"Thanks"}));
+        world.app.Open(sim::Deck::Titled(deck, {u"Welcome", u"Waves", u"Light", u"Sound", u"Thanks"}));
         world.onCommand = [this](const String& id) { session.addIn.NotesButton(id); };
         session.Connect();
     }

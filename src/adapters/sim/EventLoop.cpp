@@ -1,7 +1,7 @@
 #include "adapters/sim/EventLoop.h"
 
 #include <algorithm>
-#include <ctime>
+#include <chrono>
 
 #include "adapters/sim/Failure.h"
 
@@ -37,13 +37,19 @@ std::int32_t EventLoop::TickCount() {
 }
 
 host::DateTime EventLoop::Now() {
-    constexpr std::time_t kFirstMoment = 1767603600;  // 2026-01-05 09:00:00, the world's own local time
-    std::time_t moment = kFirstMoment + static_cast<std::time_t>(m_now / 1000);
-    std::tm parts{};
-    gmtime_r(&moment, &parts);
-    return host::DateTime{
-        parts.tm_year + 1900,          parts.tm_mon + 1, parts.tm_mday, parts.tm_hour, parts.tm_min, parts.tm_sec,
-        static_cast<int>(m_now % 1000)};
+    using namespace std::chrono;
+    constexpr sys_days kFirstDay{year(2026) / January / 5};  // in the world's own local time
+    const sys_time<milliseconds> moment = kFirstDay + 9h + milliseconds(m_now);
+    const sys_days day = floor<days>(moment);
+    const year_month_day date(day);
+    const hh_mm_ss time(moment - day);
+    return host::DateTime{static_cast<int>(date.year()),
+                          static_cast<int>(static_cast<unsigned>(date.month())),
+                          static_cast<int>(static_cast<unsigned>(date.day())),
+                          static_cast<int>(time.hours().count()),
+                          static_cast<int>(time.minutes().count()),
+                          static_cast<int>(time.seconds().count()),
+                          static_cast<int>(time.subseconds().count())};
 }
 
 void EventLoop::Add(std::shared_ptr<Entry> entry) {

@@ -1,5 +1,7 @@
 #include "adapters/sim/FileSystem.h"
 
+#include <algorithm>
+
 namespace kestrum::sim {
 
 namespace {
@@ -13,36 +15,12 @@ constexpr std::int64_t kDefaultFreeBytes = 100LL << 30;
     throw Error(number, String(call), text);
 }
 
-String ParentOf(const String& normal) {
-    std::size_t cut = normal.find_last_of(u'/');
-    if (cut == String::npos || cut == 0) return u"/";
-    return normal.substr(0, cut);
-}
-
-bool IsBelow(const String& path, const String& folder) {
-    if (folder == u"/") return path.size() > 1;
-    return path.size() > folder.size() && path.compare(0, folder.size(), folder) == 0 && path[folder.size()] == u'/';
-}
-
 }  // namespace
 
-FileSystem::FileSystem(Faults& faults, EventLoop& loop) : m_faults(faults), m_loop(loop) {
-    m_nodes[u"/"].folder = true;
-    m_drives[u"/"] = Drive{host::DriveType::Fixed, kDefaultFreeBytes};
-}
-
-// One writing for each path: no doubled separators but a network path's two in front, none at the end.
-String FileSystem::Normal(const String& path) const {
-    if (path.empty()) return path;
-    String full = path.front() == u'/' ? path : m_current + u"/" + path;
-    bool network = full.compare(0, 2, u"//") == 0 && path.front() == u'/';
-    String normal;
-    for (char16_t c : full) {
-        if (c == u'/' && !normal.empty() && normal.back() == u'/') continue;
-        normal.push_back(c);
-    }
-    if (normal.size() > 1 && normal.back() == u'/') normal.pop_back();
-    return network ? u"/" + normal : normal;
+FileSystem::FileSystem(Faults& faults, EventLoop& loop, PathStyle style)
+    : m_faults(faults), m_loop(loop), m_rules(style) {
+    m_nodes[m_rules.Root()].folder = true;
+    m_drives[m_rules.Root()] = Drive{host::DriveType::Fixed, kDefaultFreeBytes};
 }
 
 const FileSystem::Node* FileSystem::Find(const String& path) const {
@@ -57,15 +35,16 @@ FileSystem::Node& FileSystem::NeedFile(const String& path, StringView call) {
 }
 
 void FileSystem::NeedWritableParent(const String& normal, StringView call) const {
-    const Node* parent = Find(ParentOf(normal));
-    if (!parent || !parent->folder) Raise(ErrorNumber::PathNotFound, call, u"Path not found");
+    const Node* parent = Find(m_rules.ParentOf(normal));
+    const bool possible = m_rules.IsName(m_rules.NameOf(normal)) && !m_rules.IsRoot(normal);
+    if (!possible || !parent || !parent->folder) Raise(ErrorNumber::PathNotFound, call, u"Path not found");
     if (parent->unwritable) Raise(ErrorNumber::PermissionDenied, call, u"Permission denied");
 }
 
 FileSystem::Drive& FileSystem::DriveOf(const String& normal) {
-    String best = u"/";
+    String best = m_rules.Root();
     for (const auto& [root, drive] : m_drives) {
-        if ((normal == root || IsBelow(normal, root)) && root.size() > best.size()) best = root;
+        if ((normal == root || m_rules.IsBelow(normal, root)) && root.size() > best.size()) best = root;
     }
     return m_drives[best];
 }
@@ -182,7 +161,7 @@ void FileSystem::CopyFolder(const String& source, const String& target) {
         m_nodes[Normal(target)].folder = true;
     }
     for (const String& name : ListFolder(source)) {
-        String from = Normal(source) + u"/" + name, to = Normal(target) + u"/" + name;
+        String from = Normal(source) + Separator() + name, to = Normal(target) + Separator() + name;
         if (FolderExists(from)) {
             CopyFolder(from, to);
         } else {
@@ -204,10 +183,10 @@ std::vector<String> FileSystem::ListFolder(const String& path) {
     if (!FolderExists(folder)) Raise(ErrorNumber::PathNotFound, u"fs.ListFolder", u"Path not found");
     std::vector<String> names;
     for (const auto& [node, value] : m_nodes) {
-        if (node != u"/" && IsBelow(node, folder) && ParentOf(node) == folder) {
-            names.push_back(node.substr(node.find_last_of(u'/') + 1));
-        }
+        const bool direct = m_rules.IsBelow(node, folder) && m_rules.Same(m_rules.ParentOf(node), folder);
+        if (direct) names.push_back(m_rules.NameOf(node));
     }
+    std::sort(names.begin(), names.end());
     return names;
 }
 
@@ -220,7 +199,7 @@ void FileSystem::ClearReadOnlyTree(const String& folder) {
     m_faults.Check(u"fs.ClearReadOnlyTree");
     if (!FolderExists(folder)) Raise(ErrorNumber::PathNotFound, u"fs.ClearReadOnlyTree", u"Path not found");
     for (auto& [node, value] : m_nodes) {
-        if (IsBelow(node, Normal(folder))) value.readOnly = false;
+        if (m_rules.IsBelow(node, Normal(folder))) value.readOnly = false;
     }
 }
 
@@ -230,10 +209,6 @@ std::int64_t FileSystem::FreeBytes(const String& path) {
 
 host::DriveType FileSystem::DriveType(const String& path) {
     return DriveOf(Normal(path)).type;
-}
-
-bool FileSystem::IsNetworkPath(const String& path) {
-    return path.compare(0, 2, u"//") == 0;
 }
 
 String FileSystem::TemporaryName() {
@@ -248,12 +223,13 @@ void FileSystem::SetCurrentFolder(const String& path) {
 
 void FileSystem::PutFolder(const String& path) {
     String normal = Normal(path);
-    if (!Find(ParentOf(normal))) PutFolder(ParentOf(normal));
+    const String parent = m_rules.ParentOf(normal);
+    if (parent != normal && !Find(parent)) PutFolder(parent);
     m_nodes[normal].folder = true;
 }
 
 void FileSystem::Put(const String& path, const std::string& bytes) {
-    PutFolder(ParentOf(Normal(path)));
+    PutFolder(m_rules.ParentOf(Normal(path)));
     Node& node = m_nodes[Normal(path)];
     node.folder = false;
     node.bytes = bytes;
@@ -263,7 +239,7 @@ void FileSystem::Put(const String& path, const std::string& bytes) {
 void FileSystem::Remove(const String& path) {
     String normal = Normal(path);
     for (auto node = m_nodes.begin(); node != m_nodes.end();) {
-        bool gone = node->first == normal || IsBelow(node->first, normal);
+        bool gone = node->first == normal || m_rules.IsBelow(node->first, normal);
         if (gone) DriveOf(node->first).freeBytes += static_cast<std::int64_t>(node->second.bytes.size());
         node = gone ? m_nodes.erase(node) : std::next(node);
     }

@@ -1,21 +1,22 @@
-// A file system in memory: case-sensitive, '/' as separator, read-only files, folders without write permission, drives
-// with a type and a limited space, network paths ("//server/share/..."). Faults: "fs." + the method's name; a write
-// that fails leaves half of its bytes, as a real one may.
+// A file system in memory, with the paths of Linux or of Windows (PathRules.h): read-only files, folders without write
+// permission, drives with a type and a limited space, network paths. Faults: "fs." + the method's name; a write that
+// fails leaves half of its bytes, as a real one may.
 #pragma once
 
 #include <map>
 
 #include "adapters/sim/EventLoop.h"
 #include "adapters/sim/Faults.h"
+#include "adapters/sim/PathRules.h"
 #include "host/IFileSystem.h"
 
 namespace kestrum::sim {
 
 class FileSystem : public host::IFileSystem {
   public:
-    FileSystem(Faults& faults, EventLoop& loop);
+    FileSystem(Faults& faults, EventLoop& loop, PathStyle style = PathStyle::Linux);
 
-    char16_t Separator() override { return u'/'; }
+    char16_t Separator() override { return m_rules.Separator(); }
     bool FileExists(const String& path) override;
     bool FolderExists(const String& path) override;
     std::int64_t FileSize(const String& path) override;
@@ -34,7 +35,7 @@ class FileSystem : public host::IFileSystem {
     void ClearReadOnlyTree(const String& folder) override;
     std::int64_t FreeBytes(const String& path) override;
     host::DriveType DriveType(const String& path) override;
-    bool IsNetworkPath(const String& path) override;
+    bool IsNetworkPath(const String& path) override { return m_rules.IsNetworkPath(path); }
     String TemporaryName() override;
     void SetCurrentFolder(const String& path) override;
 
@@ -59,6 +60,7 @@ class FileSystem : public host::IFileSystem {
     /// Every file and folder, sorted.
     std::vector<String> All() const;
     const String& CurrentFolder() const { return m_current; }
+    const PathRules& Rules() const { return m_rules; }
 
   private:
     struct Node {
@@ -74,7 +76,7 @@ class FileSystem : public host::IFileSystem {
         std::int64_t freeBytes;
     };
 
-    String Normal(const String& path) const;
+    String Normal(const String& path) const { return m_rules.Normal(path, m_current); }
     const Node* Find(const String& path) const;
     Node& NeedFile(const String& path, StringView call);
     void NeedWritableParent(const String& normal, StringView call) const;
@@ -84,9 +86,10 @@ class FileSystem : public host::IFileSystem {
 
     Faults& m_faults;
     EventLoop& m_loop;
-    std::map<String, Node> m_nodes;
-    std::map<String, Drive> m_drives;
-    String m_current = u"/";
+    PathRules m_rules;
+    std::map<String, Node, PathRules::Less> m_nodes{m_rules.Order()};
+    std::map<String, Drive, PathRules::Less> m_drives{m_rules.Order()};
+    String m_current = m_rules.Root();
     int m_temporaries = 0;
 };
 

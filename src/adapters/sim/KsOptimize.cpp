@@ -35,7 +35,7 @@ std::int32_t KsOptimize::ks2mp4(const String& package, const String& workFolder,
     if (m_faults.Fails(u"ksOptimize.ks2mp4")) return 0;
     running = true;
     m_startedAt = m_loop.Elapsed();
-    m_target = outputFolder + u"/media.mp4";
+    m_target = outputFolder + m_fs.Separator() + u"media.mp4";
     m_fs.Put(m_target, output.substr(0, output.size() / 2));
     return 1;
 }

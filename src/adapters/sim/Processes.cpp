@@ -2,15 +2,6 @@
 
 namespace kestrum::sim {
 
-namespace {
-
-String BaseName(const String& program) {
-    std::size_t cut = program.find_last_of(u'/');
-    return cut == String::npos ? program : program.substr(cut + 1);
-}
-
-}  // namespace
-
 /// One run of a script. It ends by the clock, whether anybody pumps or only asks for the exit code.
 class Processes::Process : public host::IProcess {
   public:
@@ -49,8 +40,20 @@ class Processes::Process : public host::IProcess {
     std::shared_ptr<Run> m_run;
 };
 
-Processes::Processes(Faults& faults, EventLoop& loop, Transcript& transcript)
-    : m_faults(faults), m_loop(loop), m_transcript(transcript) {}
+Processes::Processes(Faults& faults, EventLoop& loop, Transcript& transcript, PathStyle style)
+    : m_faults(faults),
+      m_loop(loop),
+      m_transcript(transcript),
+      m_rules(style),
+      m_ending(style == PathStyle::Windows ? u".exe" : u"") {}
+
+// A program file has the platform's ending; a bare name, which the system looks up, may go without.
+String Processes::BaseName(const String& program) const {
+    const String name = m_rules.NameOf(program);
+    if (name.ends_with(m_ending)) return name.substr(0, name.size() - m_ending.size());
+    if (name == program) return name;
+    throw host::Error(host::ErrorNumber::FileNotFound, u"processes.Start", u"File not found: " + program);
+}
 
 std::unique_ptr<host::IProcess> Processes::Launch(const String& name, const std::vector<String>& arguments) {
     auto script = programs.find(name);
@@ -76,7 +79,10 @@ std::unique_ptr<host::IProcess> Processes::Start(const String& program, const st
 
 std::unique_ptr<host::IProcess> Processes::StartShell(const String& commandLine) {
     m_faults.Check(u"processes.StartShell");
-    return Launch(BaseName(commandLine.substr(0, commandLine.find(u' '))), {commandLine});
+    const bool quoted = commandLine.starts_with(u'"');
+    const String first =
+        quoted ? commandLine.substr(1, commandLine.find(u'"', 1) - 1) : commandLine.substr(0, commandLine.find(u' '));
+    return Launch(BaseName(first), {commandLine});
 }
 
 void Processes::StopService(const String& service) {

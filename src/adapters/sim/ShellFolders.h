@@ -9,6 +9,9 @@ namespace kestrum::sim {
 
 class ShellFolders : public host::IShellFolders {
   public:
+    ShellFolders(const String& temp, const String& appData, const String& localData)
+        : environment{{u"temp", temp}, {u"appdata", appData}}, special{{28, localData}} {}
+
     String Environment(const String& name) override {
         auto found = environment.find(name);
         return found == environment.end() ? String() : found->second;
@@ -20,8 +23,8 @@ class ShellFolders : public host::IShellFolders {
     std::int32_t OsVersionCode() override { return osVersionCode; }
     std::int32_t PrimaryLanguage() override { return primaryLanguage; }
 
-    std::map<String, String> environment{{u"temp", u"/tmp/user"}, {u"appdata", u"/home/anna/.local/share"}};
-    std::map<std::int32_t, String> special{{28, u"/home/anna/.local/share"}};
+    std::map<String, String> environment;
+    std::map<std::int32_t, String> special;
     std::int32_t osVersionCode = 63;
     std::int32_t primaryLanguage = 9;
 };

@@ -2,8 +2,23 @@
 
 namespace kestrum::sim {
 
-World::World()
-    : m_host{app,
+namespace {
+
+Places PlacesOf(PathStyle style) {
+    if (style == PathStyle::Linux)
+        return {World::kInstallFolder, World::kHome, u"/tmp/user", u"/home/anna/.local/share",
+                u"/home/anna/.local/share"};
+    return {u"C:\\Program Files\\Kestrum", u"C:\\Users\\Anna", u"C:\\Users\\Anna\\AppData\\Local\\Temp",
+            u"C:\\Users\\Anna\\AppData\\Roaming", u"C:\\Users\\Anna\\AppData\\Local"};
+}
+
+}  // namespace
+
+World::World(PathStyle style)
+    : places(PlacesOf(style)),
+      fs(faults, loop, style),
+      processes(faults, loop, transcript, style),
+      m_host{app,
              loop,
              fs,
              monitors,
@@ -24,8 +39,8 @@ World::World()
              m_ksEditorControl,
              m_scip2,
              trace,
-             kInstallFolder} {
-    for (const char16_t* folder : {u"/home/anna", u"/home/anna/.local/share", u"/tmp/user", u"/opt/kestrum"}) {
+             places.installFolder} {
+    for (const String& folder : {places.home, places.appData, places.localData, places.temp, places.installFolder}) {
         fs.PutFolder(folder);
     }
 }

@@ -26,26 +26,33 @@
 
 namespace kestrum::sim {
 
+/// Where things lie on a desk.
+struct Places {
+    String installFolder, home, temp, appData, localData;
+};
+
 class World {
   public:
     /// A quiet desk: an empty home folder, temp and data folders, an install folder without files, one monitor of
-    /// 1920 by 1080, a microphone, no presentation.
-    World();
+    /// 1920 by 1080, a microphone, no presentation. `style` is how its paths and program names are written.
+    explicit World(PathStyle style = PathStyle::Linux);
     World(const World&) = delete;
     World& operator=(const World&) = delete;
 
     host::Host& host() { return m_host; }
 
+    const Places places;
+
     Faults faults;
     Transcript transcript;
     EventLoop loop;
-    FileSystem fs{faults, loop};
+    FileSystem fs;
     Monitors monitors{transcript};
     Application app{faults, transcript, monitors};
     InputHooks hooks{faults, loop};
     Windows windows{loop, transcript};
-    Processes processes{faults, loop, transcript};
-    ShellFolders shell;
+    Processes processes;
+    ShellFolders shell{places.temp, places.appData, places.localData};
     SettingsStore settings{faults};
     Power power;
     MessageBox box{loop, transcript};
@@ -60,6 +67,7 @@ class World {
     /// What the program does when the user clicks one of its commands ("rec", "mnuMP4" ...); the test connects it.
     std::function<void(const String& id)> onCommand;
 
+    /// The places of a Linux desk.
     static constexpr char16_t kInstallFolder[] = u"/opt/kestrum";
     static constexpr char16_t kHome[] = u"/home/anna";
 

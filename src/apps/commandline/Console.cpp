@@ -1,12 +1,10 @@
 #include "apps/commandline/Console.h"
 
-#include <unistd.h>
-
 #include <iostream>
 
 namespace kestrum::app {
 
-Console::Console() : m_terminal(isatty(STDOUT_FILENO) == 1) {}
+Console::Console(bool terminal) : m_terminal(terminal) {}
 
 void Console::Result(const std::string& line) {
     EndProgress();

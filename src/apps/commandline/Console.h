@@ -13,7 +13,8 @@ namespace kestrum::app {
 
 class Console {
   public:
-    Console();
+    /// `terminal`: standard output is one.
+    explicit Console(bool terminal = false);
 
     /// A line of the result, such as "package: PATH".
     void Result(const std::string& line);

@@ -1,4 +1,6 @@
 // kestrum: the recorder's command line.
+#include <unistd.h>
+
 #include <iostream>
 
 #include "adapters/linux/EndSignals.h"
@@ -48,7 +50,7 @@ int Run(Console& console, const std::vector<std::string>& arguments) {
 int main(int argc, char** argv) {
     namespace app = kestrum::app;
     kestrum::platform::EndSignals::Hold();
-    app::Console console;
+    app::Console console(isatty(STDOUT_FILENO) == 1);
     try {
         return app::Run(console, std::vector<std::string>(argv + 1, argv + argc));
     } catch (const app::UsageError& error) {
