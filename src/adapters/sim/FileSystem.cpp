@@ -42,11 +42,11 @@ void FileSystem::NeedWritableParent(const String& normal, StringView call) const
 }
 
 FileSystem::Drive& FileSystem::DriveOf(const String& normal) {
-    String best = m_rules.Root();
+    String best;
     for (const auto& [root, drive] : m_drives) {
-        if ((normal == root || m_rules.IsBelow(normal, root)) && root.size() > best.size()) best = root;
+        if ((m_rules.Same(normal, root) || m_rules.IsBelow(normal, root)) && root.size() > best.size()) best = root;
     }
-    return m_drives[best];
+    return m_drives[best.empty() ? m_rules.Root() : best];
 }
 
 bool FileSystem::FileExists(const String& path) {
