@@ -69,16 +69,12 @@ test('A list of five hundred slides costs no more layouts than a short one', asy
 test('The first picture and a jump, measured', async (t) => {
   const publication = new Publication();
   const first = [];
-  const busy = [];
   const jumps = [];
   for (let visit = 0; visit < 5; ++visit) {
     const page = await watch(t, publication, { init: () => {
       document.addEventListener('loadeddata', () => { window.shown ??= performance.now(); }, true);
     } });
     first.push(await page.evaluate(() => window.shown));
-    const tools = await page.context().newCDPSession(page);
-    await tools.send('Performance.enable', { timeDomain: 'threadTicks' });
-    busy.push(1000 * (await tools.send('Performance.getMetrics')).metrics.find((one) => one.name === 'TaskDuration').value);
     for (const place of [3, 6, 1, 5]) {
       jumps.push(await page.evaluate((wanted) => new Promise((done) => {
         const video = document.querySelector('#video');
@@ -92,7 +88,6 @@ test('The first picture and a jump, measured', async (t) => {
   const middle = (all) => [...all].sort((one, other) => one - other)[Math.floor(all.length / 2)];
   const told = (all) => `median ${middle(all).toFixed(0)} ms, best ${Math.min(...all).toFixed(0)}, worst ${Math.max(...all).toFixed(0)}`;
   t.diagnostic(`first picture after opening: ${told(first)}`);
-  t.diagnostic(`processor time of the page until then: ${told(busy)}`);
   t.diagnostic(`jump to a slide: ${told(jumps)}`);
   assert.ok([...first, ...jumps].every((ms) => ms > 0));
 });
