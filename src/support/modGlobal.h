@@ -15,7 +15,7 @@ String Join(const support::Context& c, StringView folder, StringView name);
 String CollapseSeparators(const support::Context& c, StringView path);
 /// What follows the last separator.
 String FileNameOf(const support::Context& c, StringView path);
-/// What stands before the last separator; empty without one.
+/// What stands before the last separator; empty without one, the root itself for its own entries.
 String FolderOf(const support::Context& c, StringView path);
 /// The path without the extension of its last component (from the last point on).
 String WithoutExtension(const support::Context& c, StringView path);

@@ -57,6 +57,7 @@ String FileNameOf(const support::Context& c, StringView path) {
 
 String FolderOf(const support::Context& c, StringView path) {
     const std::size_t separator = LastSeparator(c, path);
+    if (separator == 0) return String(path.substr(0, 1));  // of the root's own entries
     return String(separator == StringView::npos ? StringView() : path.substr(0, separator));
 }
 

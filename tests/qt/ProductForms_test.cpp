@@ -5,6 +5,8 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QScrollBar>
 #include <QTest>
 #include <filesystem>
 
@@ -108,6 +110,46 @@ TEST_F(ProductFormsTest, OurMessageBox_IsAsWideAsAsked_AndHasNoCloseButton) {
     bool checked = false;
     modMsgBox::MsgBoxRequest request;
     request.text = u"Short.";
+    EXPECT_EQ(modMsgBox::ShowMsgBox(recordHere, request, checked), modMsgBox::kOk);
+}
+
+TEST_F(ProductFormsTest, OurMessageBox_ScrollsATextThatIsTallerThanTheScreen) {
+    const auto user = loop.StartTimer(u"user", 20, host::TimerReentry::Skipped, [&, done = false]() mutable {
+        auto& form = forms.Get<frmMsgBox>(recordHere);
+        if (done || !qtPresenter.Find(form) || !WindowOf(form).isActiveWindow()) return;
+        done = true;
+        Settle();
+        Keep(form, "-long");
+        EXPECT_TRUE(DisplayRect().contains(WindowOf(form).frameGeometry()));
+        auto* text = WindowOf(form).findChild<QPlainTextEdit*>();
+        ASSERT_NE(text, nullptr);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown);
+        EXPECT_GT(text->verticalScrollBar()->value(), 0);
+        QTest::keyClick(&WindowOf(form), Qt::Key_Escape);
+    });
+    bool checked = false;
+    modMsgBox::MsgBoxRequest request;
+    for (int i = 0; i < 200; ++i) request.text += u"The file of slide " + ToText(i) + u" cannot be read.\\n";
+    request.buttons = modMsgBox::kButtonsOkCancel;
+    request.showCheck = true;
+    EXPECT_EQ(modMsgBox::ShowMsgBox(recordHere, request, checked), modMsgBox::kCancel);
+}
+
+TEST_F(ProductFormsTest, OurMessageBox_ReadsFromTheRight_WhereItsTextDoes) {
+    const auto user = loop.StartTimer(u"user", 20, host::TimerReentry::Skipped, [&, done = false]() mutable {
+        auto& form = forms.Get<frmMsgBox>(recordHere);
+        if (done || !qtPresenter.Find(form) || !WindowOf(form).isActiveWindow()) return;
+        done = true;
+        Settle();
+        Keep(form, "-rtl");
+        EXPECT_EQ(WidgetWithText<QLabel>(form, QString::fromUtf8("אין מיקרופון.\nלהמשיך?"))->layoutDirection(),
+                  Qt::RightToLeft);
+        QTest::keyClick(&WindowOf(form), Qt::Key_Return);
+    });
+    bool checked = false;
+    modMsgBox::MsgBoxRequest request;
+    request.text = u"אין מיקרופון.\\nלהמשיך?";
+    request.buttons = modMsgBox::kButtonsOkCancel;
     EXPECT_EQ(modMsgBox::ShowMsgBox(recordHere, request, checked), modMsgBox::kOk);
 }
 

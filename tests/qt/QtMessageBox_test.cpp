@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QTest>
 #include <filesystem>
 
@@ -94,6 +95,20 @@ TEST_F(QtMessageBoxTest, Timers_RunWhileItIsUp_AndTheTextIsPlain) {
         },
         u"<b>讲座</b> & more\r\nsecond line");
     EXPECT_GT(ticks, 0);
+}
+
+TEST_F(QtMessageBoxTest, AVeryLongText_IsScrolled_AndTheButtonsStayOnTheScreen) {
+    String text;
+    for (int i = 0; i < 300; ++i) text += u"One more thing that went wrong.\r\n";
+    const auto look = [](QMessageBox& up) {
+        EXPECT_TRUE(QRect(0, 0, Screen::kWidth, Screen::kHeight).contains(up.geometry()));
+        auto* scrolled = up.findChild<QPlainTextEdit*>();
+        ASSERT_NE(scrolled, nullptr);
+        EXPECT_TRUE(scrolled->isVisible());
+        EXPECT_EQ(scrolled->toPlainText().count(u'\n'), 300);
+        QTest::keyClick(&up, Qt::Key_Return);
+    };
+    EXPECT_EQ(Ask(BoxButtons::OkCancel, look, text), BoxAnswer::Ok);
 }
 
 }  // namespace

@@ -54,6 +54,20 @@ std::map<std::string, std::set<std::string>> Entries() {
     return entries;
 }
 
+/// Section and key to text.
+std::map<std::string, std::map<std::string, std::string>> Texts() {
+    std::map<std::string, std::map<std::string, std::string>> texts;
+    const std::string bytes = ReadAll(fs::path(KESTRUM_SOURCE_DIR) / "install" / "res.xml");
+    const modXml::Document document = modXml::Document::ParseBytes(bytes);
+    for (const modXml::Node& section : document.Root().Children()) {
+        for (const modXml::Node& entry : section.Children()) {
+            texts[host::ToUtf8(section.Attribute(u"name").value())][host::ToUtf8(entry.Attribute(u"name").value())] =
+                host::ToUtf8(entry.Text());
+        }
+    }
+    return texts;
+}
+
 using Matches = std::vector<std::smatch>;
 
 Matches All(const std::string& text, const std::string& pattern) {
@@ -71,6 +85,7 @@ class LanguageFileTest : public ::testing::Test {
     }
     std::map<std::string, std::string> sources = Sources();
     std::map<std::string, std::set<std::string>> entries = Entries();
+    std::map<std::string, std::map<std::string, std::string>> texts = Texts();
 };
 
 TEST_F(LanguageFileTest, HoldsEveryKeyThatTheCodeNamesWithItsSection) {
@@ -110,6 +125,71 @@ TEST_F(LanguageFileTest, HoldsEveryCaptionedControlOfEveryFormThatTakesItsCaptio
         for (const auto& match : All(text, control)) EXPECT_TRUE(Has(name, match[1])) << name << "." << match[1];
     }
     EXPECT_GT(forms, 5u);
+}
+
+TEST_F(LanguageFileTest, HoldsNothingThatNoSourceAsksFor) {
+    const auto asks = [&](const std::string& section, const std::string& key) {
+        // Some keys are made of a beginning that the source names and an ending from elsewhere ("quiz_submit").
+        std::string beginning = key.substr(0, key.find('_') == std::string::npos ? 0 : key.find('_') + 1);
+        for (const std::string ending : {"Means", "Repair"}) {
+            if (key.size() > ending.size() && key.compare(key.size() - ending.size(), ending.size(), ending) == 0) {
+                beginning = key.substr(0, key.size() - ending.size());
+            }
+        }
+        return std::any_of(sources.begin(), sources.end(), [&](const auto& source) {
+            const std::string& text = source.second;
+            const bool named = text.find("u\"" + key + "\"") != std::string::npos ||
+                               (!beginning.empty() && text.find("u\"" + beginning + "\"") != std::string::npos);
+            const bool ofThisForm = fs::path(source.first).stem().string() == section ||
+                                    (section == "commandLine" && source.first.rfind("apps/", 0) == 0);
+            return named && (ofThisForm || text.find("u\"" + section + "\"") != std::string::npos);
+        });
+    };
+    for (const auto& [section, keys] : entries) {
+        for (const std::string& key : keys) EXPECT_TRUE(asks(section, key)) << section << ", " << key;
+    }
+}
+
+TEST_F(LanguageFileTest, KeepsEveryPlaceholderOfTheSentencesInTheCode) {
+    std::size_t found = 0;
+    const std::string call =
+        "u\"(frm\\w+|monitor|commandLine)\",\\s*u\"(\\w+)\",\\s*((?:u\"(?:[^\"\\\\]|\\\\.)*\"\\s*)+)";
+    for (const auto& [path, text] : sources) {
+        for (const auto& match : All(text, call)) {
+            if (!Has(match[1], match[2])) continue;
+            const std::string shown = texts[match[1]][match[2]];
+            for (const std::string mark : {"%s1", "%s2"}) {
+                if (match[3].str().find(mark) == std::string::npos) continue;
+                ++found;
+                EXPECT_NE(shown.find(mark), std::string::npos) << match[1] << ", " << match[2] << " lacks " << mark;
+            }
+        }
+    }
+    EXPECT_GE(found, 2u);
+}
+
+TEST_F(LanguageFileTest, KeepsTheSentencesThatAreGiven) {
+    EXPECT_EQ(
+        texts["frmCommon"]["msgSpaceNotEnough"],
+        "There is not enough space on drive \"%s1\"! The free space must bigger than \"%s2\" MB for this action.");
+    EXPECT_EQ(texts["frmConfig"]["msglAudioQualityHelp"], "you cannot set audio quality if project is not empty.");
+    EXPECT_EQ(texts["frmConfig"]["chkHideTool"],
+              "Hide toolbar when recording (reappear when pointer moving to the top)");
+    EXPECT_EQ(texts["frmPPT"]["msgMarkAsFinal"],
+              "Please check whether this presentation is marked as final. If it is, remove Mark as Final from it!");
+    EXPECT_EQ(texts["frmMsgBox"]["cmdYes"] + texts["frmMsgBox"]["cmdNo"] + texts["frmMsgBox"]["cmdOK"], "YesNoOK");
+}
+
+TEST_F(LanguageFileTest, HasNoTextWithAStrayMarkOrBlank) {
+    for (const auto& [section, keys] : texts) {
+        for (const auto& [key, text] : keys) {
+            EXPECT_EQ(text.find("  "), std::string::npos) << section << ", " << key;
+            EXPECT_EQ(text.find('\n'), std::string::npos) << section << ", " << key << ": a line break is \\n";
+            for (std::size_t at = text.find('%'); at != std::string::npos; at = text.find('%', at + 1)) {
+                EXPECT_TRUE(text.compare(at, 2, "%p") == 0 || text.compare(at, 2, "%s") == 0) << section << ", " << key;
+            }
+        }
+    }
 }
 
 TEST_F(LanguageFileTest, StandsInOrder_SoThatTwoAuthorsMerge) {

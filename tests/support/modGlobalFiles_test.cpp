@@ -31,6 +31,7 @@ TEST_F(modGlobalFilesTest, PathParts) {
     EXPECT_EQ(FileNameOf(c, u"b.pptx"), u"b.pptx");
     EXPECT_EQ(FolderOf(c, u"/a/b.pptx"), u"/a");
     EXPECT_EQ(FolderOf(c, u"b.pptx"), u"");
+    EXPECT_EQ(FolderOf(c, u"/b.pptx"), u"/") << "a file of the root lies in the root";
     EXPECT_EQ(WithoutExtension(c, u"/a.b/c.tar.gz"), u"/a.b/c.tar");
     EXPECT_EQ(WithoutExtension(c, u"/a.b/c"), u"/a.b/c");
 }

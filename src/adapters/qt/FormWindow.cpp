@@ -7,13 +7,16 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPainter>
+#include <QPlainTextEdit>
 #include <QScreen>
+#include <QScrollBar>
 #include <QWindow>
 #include <algorithm>
 
 #include "adapters/qt/Look.h"
 #include "adapters/qt/QtApplication.h"
 #include "adapters/qt/QtText.h"
+#include "adapters/qt/TextViews.h"
 #include "ui/AccessKeys.h"
 
 namespace kestrum::qt {
@@ -211,9 +214,18 @@ void FormWindow::keyPressEvent(QKeyEvent* event) {
         Post([](ui::Form& form) { form.PressEnter(); });
     } else if (event->key() == Qt::Key_Escape) {
         Post([](ui::Form& form) { form.PressEscape(); });
+    } else if (event->key() == Qt::Key_PageDown || event->key() == Qt::Key_PageUp) {
+        ScrollText(event->key() == Qt::Key_PageDown);
     } else {
         QWidget::keyPressEvent(event);
     }
+}
+
+void FormWindow::ScrollText(bool down) {
+    auto* text = findChild<QPlainTextEdit*>(QString::fromLatin1(kScrolledText));
+    if (!text) return;
+    text->verticalScrollBar()->triggerAction(down ? QAbstractSlider::SliderPageStepAdd
+                                                  : QAbstractSlider::SliderPageStepSub);
 }
 
 /// The form decides whether it goes; if it does, it is closed by its unloading.

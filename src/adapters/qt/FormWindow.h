@@ -44,6 +44,8 @@ class FormWindow : public QWidget {
     void SyncSize();
     void SyncPlace();
     void SyncFocus();
+    /// By a page, where a text is too long for the screen.
+    void ScrollText(bool down);
     void FocusMoved(QWidget* now);
     ControlView* ViewOf(const QObject* widget) const;
     ControlView* ViewOf(const ui::Control* control) const;

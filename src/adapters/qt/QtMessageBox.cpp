@@ -2,9 +2,14 @@
 
 #include <QAbstractButton>
 #include <QCloseEvent>
+#include <QGuiApplication>
 #include <QIcon>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QLayout>
 #include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QScreen>
 
 #include "adapters/qt/Look.h"
 #include "adapters/qt/QtText.h"
@@ -75,12 +80,30 @@ class Box : public QMessageBox {
     bool m_mustChoose;
 };
 
+/// A text that would make the box taller than the screen is scrolled inside it.
+void SetTextOf(QMessageBox& box, const QString& text) {
+    constexpr int kWidth = 520;
+    box.setText(text);
+    box.setLayoutDirection(text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+    auto* label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+    const int most = QGuiApplication::primaryScreen()->availableGeometry().height() * 6 / 10;
+    const QRect lines(0, 0, kWidth, QWIDGETSIZE_MAX);
+    if (!label || box.fontMetrics().boundingRect(lines, Qt::TextWordWrap, text).height() <= most) return;
+    auto* scrolled = new QPlainTextEdit(text, &box);
+    scrolled->setReadOnly(true);
+    scrolled->setTabChangesFocus(true);
+    scrolled->setFixedSize(kWidth, most);
+    delete box.layout()->replaceWidget(label, scrolled);
+    label->hide();
+    box.setText({});
+}
+
 }  // namespace
 
 BoxAnswer QtMessageBox::Show(const String& text, BoxButtons buttons, const String& title) {
     Box box(buttons == BoxButtons::YesNo);
     box.setWindowTitle(ToQt(title.empty() ? m_title : title));
-    box.setText(ToQt(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
+    SetTextOf(box, ToQt(text).replace(QStringLiteral("\r\n"), QStringLiteral("\n")));
     box.setIconPixmap(Badge(buttons == BoxButtons::Ok ? u'i' : u'?'));
     box.setStandardButtons(ButtonsOf(buttons));
     for (QAbstractButton* button : box.buttons()) button->setIcon(QIcon());

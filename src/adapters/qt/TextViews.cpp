@@ -1,10 +1,13 @@
 #include "adapters/qt/TextViews.h"
 
 #include <QFontMetrics>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPixmap>
+#include <QPlainTextEdit>
+#include <QScreen>
 #include <algorithm>
 
 #include "adapters/qt/QtText.h"
@@ -45,15 +48,50 @@ void FitText(QLabel& label, const QString& text, int textWidth) {
     label.setFixedHeight(label.heightForWidth(textWidth));
 }
 
+/// A label that never makes its window taller than the screen: a text that would is scrolled inside. It does not take
+/// the keyboard; the window scrolls it (FormWindow).
+class TextLabel : public QLabel {
+  public:
+    using QLabel::QLabel;
+
+    /// False, and nothing is shown, if `text` is short enough for a plain label.
+    bool ScrollsIfTooTall(const QString& text, int textWidth) {
+        const int most = QGuiApplication::primaryScreen()->availableGeometry().height() * 6 / 10;
+        const QRect lines(0, 0, textWidth, QWIDGETSIZE_MAX);
+        const bool isTall = fontMetrics().boundingRect(lines, Qt::TextWordWrap, text).height() > most;
+        if (m_scrolled) m_scrolled->setVisible(isTall);
+        if (!isTall) return false;
+        if (!m_scrolled) MakeScrolled();
+        if (m_scrolled->toPlainText() != text) m_scrolled->setPlainText(text);
+        setText({});
+        setFixedSize(textWidth, most);
+        m_scrolled->setGeometry(rect());
+        return true;
+    }
+
+  private:
+    void MakeScrolled() {
+        m_scrolled = new QPlainTextEdit(this);
+        m_scrolled->setObjectName(kScrolledText);
+        m_scrolled->setReadOnly(true);
+        m_scrolled->setFocusPolicy(Qt::NoFocus);
+        m_scrolled->show();
+    }
+
+    QPlainTextEdit* m_scrolled = nullptr;
+};
+
 class LabelView : public ControlView {
   public:
-    LabelView(ui::Label& control, QLabel* widget) : ControlView(control, widget), m_model(control), m_view(*widget) {
+    LabelView(ui::Label& control, TextLabel* widget) : ControlView(control, widget), m_model(control), m_view(*widget) {
         m_view.setTextFormat(Qt::PlainText);
     }
 
   protected:
     void SyncValues(int textWidth) override {
         const QString text = WithPlainLineEnds(ToQt(m_model.Caption()));
+        m_view.setLayoutDirection(text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
+        if (m_view.ScrollsIfTooTall(text, textWidth)) return;
         m_view.setAlignment(ToQtAlignment(m_model.TextAlignment()));
         m_view.setBuddy(AccessTarget());
         if (AccessTarget()) {
@@ -66,7 +104,7 @@ class LabelView : public ControlView {
 
   private:
     ui::Label& m_model;
-    QLabel& m_view;
+    TextLabel& m_view;
 };
 
 /// A label that shows when it has the keyboard.
@@ -160,7 +198,7 @@ class PictureView : public ControlView {
 }  // namespace
 
 std::unique_ptr<ControlView> MakeLabelView(ui::Label& control, QWidget* parent) {
-    return std::make_unique<LabelView>(control, new QLabel(parent));
+    return std::make_unique<LabelView>(control, new TextLabel(parent));
 }
 
 std::unique_ptr<ControlView> MakeLinkView(ui::Link& control, QWidget* parent, const PostAct& post) {
