@@ -21,6 +21,10 @@ namespace {
 
 constexpr double kPointsPerUnit = 72.0 / 2540.0;  // the office measures in 1/100 mm
 
+float Snapped(double points) {
+    return static_cast<float>(std::round(points * 8) / 8);
+}
+
 template <class Value>
 Value Get(const Reference<css::uno::XInterface>& object, const char* name) {
     Value value{};
@@ -49,15 +53,24 @@ void ForEach(const Reference<css::uno::XInterface>& container, Visit visit) {
     while (items->hasMoreElements()) visit(Reference<css::text::XTextRange>(items->nextElement(), UNO_QUERY_THROW));
 }
 
-/// Size of the first run that has text. East Asian text has a size of its own.
+const char* SizeOf(Script script) {
+    if (script == Script::Asian) return "CharHeightAsian";
+    return script == Script::Complex ? "CharHeightComplex" : "CharHeight";
+}
+
+/// Size of the first run that has a letter, as it was set; else of the first that has any text. The office makes signs
+/// and digits in front of another script a run of their own.
 double FontSize(const Reference<css::text::XTextRange>& paragraph) {
-    double size = 0;
+    double ofLetters = 0, ofAny = 0;
     ForEach(paragraph, [&](const Reference<css::text::XTextRange>& run) {
-        const auto text = run->getString();
-        if (size > 0 || text.isEmpty()) return;
-        size = Get<float>(run, IsWide(text[0]) ? "CharHeightAsian" : "CharHeight");
+        const String text = FromUno(run->getString());
+        if (ofLetters > 0 || text.empty()) return;
+        const auto script = ScriptOf(text);
+        if (script) ofLetters = Get<float>(run, SizeOf(*script));
+        if (ofAny == 0) ofAny = Get<float>(run, SizeOf(script.value_or(Script::Latin)));
     });
-    return size > 0 ? size : Get<float>(paragraph, "CharHeight");
+    if (ofLetters > 0) return ofLetters;
+    return ofAny > 0 ? ofAny : Get<float>(paragraph, "CharHeight");
 }
 
 std::vector<TextParagraph> Paragraphs(const Reference<css::drawing::XShape>& shape) {
@@ -99,7 +112,7 @@ TextFrame FrameOf(const Reference<css::drawing::XShape>& shape) {
 }  // namespace
 
 float SnappedPoints(std::int32_t hundredthMm) {
-    return static_cast<float>(std::round(hundredthMm * kPointsPerUnit * 8) / 8);
+    return Snapped(hundredthMm * kPointsPerUnit);
 }
 
 std::unique_ptr<host::IShapes> ImpressSlide::Shapes() {
@@ -170,9 +183,8 @@ String ImpressShape::Text() {
 }
 
 float ImpressShape::TextTop() {
-    return m_office->Link().Call(u"TextRange.BoundTop", [shape = m_shape] {
-        return static_cast<float>(TextTopOf(FrameOf(shape), Paragraphs(shape)));
-    });
+    return m_office->Link().Call(u"TextRange.BoundTop",
+                                 [shape = m_shape] { return Snapped(TextTopOf(FrameOf(shape), Paragraphs(shape))); });
 }
 
 float ImpressShape::TextFontSize() {

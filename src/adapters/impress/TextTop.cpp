@@ -24,6 +24,20 @@ bool IsWide(char16_t unit) {
            (unit >= 0xF900 && unit <= 0xFAFF) || (unit >= 0xFF00 && unit <= 0xFF60);
 }
 
+std::optional<Script> ScriptOf(StringView text) {
+    for (const char16_t unit : text) {
+        if (IsWide(unit)) return Script::Asian;
+        // Hebrew to Thai and Tibetan, and the presentation forms of Hebrew and Arabic.
+        const bool complex = (unit >= 0x0590 && unit <= 0x109F) || (unit >= 0x1780 && unit <= 0x18AF) ||
+                             (unit >= 0xFB1D && unit <= 0xFDFF) || (unit >= 0xFE70 && unit <= 0xFEFE);
+        if (complex) return Script::Complex;
+        const bool latin =
+            (unit >= u'A' && unit <= u'Z') || (unit >= u'a' && unit <= u'z') || (unit >= 0x00C0 && unit < 0x0590);
+        if (latin) return Script::Latin;
+    }
+    return std::nullopt;
+}
+
 double TextTopOf(const TextFrame& frame, const std::vector<TextParagraph>& paragraphs) {
     if (frame.anchor == TextAnchor::Top) return frame.top + frame.insetTop;
     const double width = frame.width - frame.insetLeft - frame.insetRight;

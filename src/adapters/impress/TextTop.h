@@ -2,6 +2,7 @@
 // its paragraphs; that matters only for text set in the middle or at the bottom of its frame.
 #pragma once
 
+#include <optional>
 #include <vector>
 
 #include "host/String.h"
@@ -27,5 +28,11 @@ double TextTopOf(const TextFrame& frame, const std::vector<TextParagraph>& parag
 
 /// True for characters as wide as they are high (Chinese, Japanese, Korean).
 bool IsWide(char16_t unit);
+
+/// The office keeps a font, and a font size, for each of three kinds of script.
+enum class Script { Latin, Asian, Complex };
+
+/// The kind of the first letter of `text`; nullopt for a text of digits, signs and blanks.
+std::optional<Script> ScriptOf(StringView text);
 
 }  // namespace kestrum::impress
