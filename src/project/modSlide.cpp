@@ -24,34 +24,48 @@ std::unique_ptr<host::IShape> FilledTitle(const host::ResumeNext& Try, host::ISh
     return title;
 }
 
-/// True if the text stands in the top fifth of the slide and is larger than 20 points.
-bool LooksLikeTitle(const host::ResumeNext& Try, host::ISlide& slide, host::IShape& shape) {
-    const bool high = Try.If([&] { return shape.TextTop() / slide.MasterHeight() < kHighBelow; });
-    const bool large = Try.If([&] { return shape.TextFontSize() > kLargeAbove; });
-    return high && large;
-}
+/// What the search last read of a shape. A read that fails leaves what the shape before had.
+struct TextLooks {
+    float top = 0;   ///< of the master's height
+    float size = 0;  ///< points
+
+    void Read(const host::ResumeNext& Try, host::ISlide& slide, host::IShape& shape) {
+        Try.Set(top, [&] { return static_cast<float>(Div(shape.TextTop(), slide.MasterHeight())); });
+        Try.Set(size, [&] { return shape.TextFontSize(); });
+    }
+    bool AreThoseOfATitle() const { return top < kHighBelow && size > kLargeAbove; }
+};
 
 String SearchTitle(const host::ResumeNext& Try, host::ISlide& slide, host::IShapes& shapes, const String& fallback) {
     String result = fallback;
+    TextLooks looks;
     std::int32_t count = 0;
     Try.Set(count, [&] { return shapes.Count(); });
     for (std::int32_t i = 1; i <= count; ++i) {
         std::unique_ptr<host::IShape> shape;
         Try([&] { shape = shapes.Item(i); });
-        if (!shape || !HasText(Try, *shape) || !LooksLikeTitle(Try, slide, *shape)) continue;
+        if (!shape || !HasText(Try, *shape)) continue;
+        looks.Read(Try, slide, *shape);
+        if (!looks.AreThoseOfATitle()) continue;
         Try.Set(result, [&] { return shape->Text(); });
         break;
     }
     return result;
 }
 
-String TranscriptTitle(const host::ResumeNext& Try, host::IPresentation& presentation, std::int32_t number) {
-    String result = u"Slide " + ToText(number);
+/// The title of one slide.
+struct CTranscript {
+    String title;
+};
+
+CTranscript Transcribe(const host::ResumeNext& Try, host::IPresentation& presentation, std::int32_t number) {
+    CTranscript transcript{u"Slide " + ToText(number)};
     std::unique_ptr<host::IShapes> shapes;
     Try([&] { shapes = presentation.Slide(number)->Shapes(); });
-    if (!shapes) return result;
-    if (const auto title = FilledTitle(Try, *shapes)) Try.Set(result, [&] { return modGlobal::Trim(title->Text()); });
-    return result;
+    if (!shapes) return transcript;
+    if (const auto title = FilledTitle(Try, *shapes))
+        Try.Set(transcript.title, [&] { return modGlobal::Trim(title->Text()); });
+    return transcript;
 }
 
 }  // namespace
@@ -94,9 +108,10 @@ void CollectSlideTitles(const project::Context& c, bool addItems) {
     std::int32_t count = 0;
     Try.Set(count, [&] { return presentation->SlideCount(); });
     for (std::int32_t i = 1; i <= count; ++i) {
-        const String title = TranscriptTitle(Try, *presentation, i);
-        if (addItems)
-            c.project.g_Project.AddIndex(title, u"-1", DateTimeText(c.host.loop.Now()), u"", u"", u"", false, 0);
+        const CTranscript transcript = Transcribe(Try, *presentation, i);
+        if (!addItems) continue;
+        const String now = DateTimeText(c.host.loop.Now());
+        c.project.g_Project.AddIndex(transcript.title, u"-1", now, u"", u"", u"", false, 0);
     }
 }
 

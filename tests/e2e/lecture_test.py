@@ -6,7 +6,7 @@ import subprocess
 import unittest
 
 import stage
-from stage import KESTRUM, Folder, Recording, info, last_path, nearest, on_stage, run, slide_thumbs, thumb
+from stage import KESTRUM, Folder, Recording, info, last_path, nearest, on_stage, run, slide_thumbs, thumb, verify
 
 # The visible slides of samples/lecture.pptx.
 TITLES = ["How a Key Frame Works", "A video is mostly repetition", "Seeking starts at the key frame before",
@@ -43,6 +43,14 @@ class LectureTest(unittest.TestCase):
         self.assertEqual(positions, sorted(set(positions)))
         self.assertTrue(all(entry["key_frame"] for entry in self.info["index"]))
         self.assertLess(positions[-1], self.info["duration_ms"])
+
+    def test_the_package_is_whole(self):
+        before = self.package.read_bytes()
+        report = verify(self.package)
+        self.assertEqual((report["state"], report["findings"]), ("whole", []))
+        self.assertEqual(report["entries"], len(TITLES))
+        self.assertEqual(verify(self.package, "--repair")["state"], "whole")
+        self.assertEqual(self.package.read_bytes(), before)
 
     def test_the_package_tells_title_author_size_and_stored_files(self):
         self.assertEqual(self.info["title"], "How a Key Frame Works")
@@ -116,13 +124,13 @@ class ContinuedTest(unittest.TestCase):
 class InterruptedTest(unittest.TestCase):
     """kill -9 in the middle: the first opening afterwards finds every entry and says what it recovered."""
 
-    def disturb(self, victim):
+    def disturb(self, *victims):
         folder = Folder("cut short", "lecture.pptx")
         self.addCleanup(folder.remove)
         recording = Recording(folder.deck, 2)
         self.addCleanup(recording.end)
         recording.wait_for_entries(folder.package, 3)
-        recording.kill(victim)
+        recording.kill(*victims)
         return folder, recording.wait()
 
     def check(self, folder):
@@ -141,6 +149,21 @@ class InterruptedTest(unittest.TestCase):
     def test_a_killed_recorder(self):
         folder, _ = self.disturb("kestrum")
         self.assertIn("recover", self.check(folder).lower())
+
+    def test_a_killed_recording_is_told_and_mended_by_verify(self):
+        folder, _ = self.disturb("ksmedia", "kestrum")
+        told, interrupted = info(folder.package), folder.package.read_bytes()
+        report = verify(folder.package)
+        self.assertEqual(report["state"], "damaged")
+        self.assertIn("interrupted", [finding["kind"] for finding in report["findings"]])
+        self.assertTrue(all(finding["mendable"] for finding in report["findings"]))
+        self.assertEqual(folder.package.read_bytes(), interrupted)
+        mended = verify(folder.package, "--repair")
+        self.assertEqual(mended["state"], "repaired", mended)
+        self.assertEqual(pathlib.Path(mended["kept"]).read_bytes(), interrupted)
+        self.assertEqual(verify(folder.package)["state"], "whole")
+        self.assertEqual(info(folder.package)["index"], told["index"])
+        self.assertFalse(pathlib.Path(str(folder.package) + "._tmp").exists())
 
     def test_a_killed_worker(self):
         folder, output = self.disturb("ksmedia")

@@ -36,6 +36,13 @@ def info(package):
     return json.loads(run(KESTRUM, "info", "--json", package).stdout)
 
 
+def verify(package, *options):
+    """What verify says about a package; its exit code must be one that it promises."""
+    result = run(KESTRUM, "verify", "--json", *options, package, check=False)
+    assert result.returncode in (0, 3, 4, 5), result.stderr
+    return json.loads(result.stdout)
+
+
 def last_path(output, name):
     """The path behind the last line "name: PATH" of an output."""
     return pathlib.Path(re.findall(rf"^{name}: (.+)$", output, re.M)[-1])
@@ -122,10 +129,11 @@ class Recording:
             time.sleep(0.3)
         raise AssertionError(f"never saw {count} entries:\n" + self.output())
 
-    def kill(self, name):
-        victims = self.children(name)
-        assert victims, f"no {name} runs below the recording"
-        for pid in victims:
+    def kill(self, *names):
+        """All of these programs at one moment, so that none can react to the end of another."""
+        victims = [self.children(name) for name in names]
+        assert all(victims), f"not all of {names} run below the recording"
+        for pid in sum(victims, []):
             os.kill(pid, signal.SIGKILL)
 
     def wait(self):

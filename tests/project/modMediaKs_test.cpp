@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "ProjectWorld.h"
+#include "support/frmStatus.h"
 
 namespace kestrum {
 namespace {
@@ -47,12 +48,30 @@ TEST_F(ModMediaKsTest, VerifyMedia_OfSoundMedia_ClosesTheStatusWindowAndIsSilent
     EXPECT_FALSE(w.forms.IsFormLoaded(u"frmStatus"));
 }
 
-TEST_F(ModMediaKsTest, VerifyMedia_ShowsAStatusWhileItChecks) {
+TEST_F(ModMediaKsTest, VerifyMedia_TellsWhatItDoesWhileItChecks) {
     w.PutPackage(ProjectText(""), 1000, {0});
     Texts shown;
-    w.world.loop.Post([&] { shown.push_back(w.forms.Find(u"frmStatus") ? u"status" : u"nothing"); });
-    EXPECT_TRUE(modMediaKs::VerifyMedia(w.c, ProjectWorld::kPackage, true, false));
-    EXPECT_EQ(shown, Texts{u"status"});
+    const auto check = [&](bool whole, bool failedRecording) {
+        w.world.loop.Post([&] {
+            auto* status = dynamic_cast<frmStatus*>(w.forms.Find(u"frmStatus"));
+            shown.push_back(status ? status->lStatus.Caption() : String(u"nothing"));
+        });
+        EXPECT_TRUE(modMediaKs::VerifyMedia(w.c, ProjectWorld::kPackage, whole, failedRecording));
+    };
+    check(true, true);
+    check(false, true);
+    check(true, false);
+    check(false, false);
+    const String failed = u"Recording was not completed successfully. Please wait while checking files.";
+    EXPECT_EQ(shown, (Texts{failed, failed, u"Verifying whole project. Please wait.", u"Verifying project ..."}));
+}
+
+TEST_F(ModMediaKsTest, VerifyMedia_ReadsEverythingOnlyWhenToldTo) {
+    w.PutPackage(ProjectText(""), 1000, {0});
+    modMediaKs::VerifyMedia(w.c, ProjectWorld::kPackage, false, true);
+    modMediaKs::VerifyMedia(w.c, ProjectWorld::kPackage, true, false);
+    EXPECT_EQ(w.world.transcript.Only(u"ksLib.verify"), (Texts{u"ksLib.verifyKsFile /home/anna/talks/deck.ktr",
+                                                               u"ksLib.verifyWholeKsFile /home/anna/talks/deck.ktr"}));
 }
 
 TEST_F(ModMediaKsTest, VerifyMedia_OfDamagedMedia_TellsByTheKindOfCall) {
@@ -86,6 +105,56 @@ TEST_F(ModMediaKsTest, Format_OfAnyOther_IsRejectedWithItsNumber) {
     EXPECT_EQ(w.Boxes(), (Texts{text(u"8.1"), text(u"7.0"), text(u"9.128"), text(u"0.0")}));
 }
 
+TEST_F(ModMediaKsTest, Format_MajorNumbers_AreRounded) {
+    SetFormat(7 * 256 + 127);
+    EXPECT_FALSE(modMediaKs::IsKsFmtCompatible(w.c, ProjectWorld::kPackage));
+    SetFormat(7 * 256 + 128);
+    EXPECT_FALSE(modMediaKs::IsKsFmtCompatible(w.c, ProjectWorld::kPackage));
+    SetFormat(126 * 256 + 255);
+    EXPECT_TRUE(modMediaKs::IsKsFmtCompatible(w.c, ProjectWorld::kPackage)) << "rounds to 127, minor 255";
+    EXPECT_EQ(w.Boxes(), (Texts{u"Incompatible file format version (7.127)! Please upgrade your Kestrum.",
+                                u"Incompatible file format version (8.128)! Please upgrade your Kestrum."}));
+}
+
+/// A library that raises when it is asked for the version.
+struct RaisingLib : sim::KsLib {
+    using sim::KsLib::KsLib;
+    std::int32_t GetFileFormatVersion(const String&) override {
+        throw host::Error(host::ErrorNumber::Automation, u"ksLib", u"The library is not there.");
+    }
+};
+
+TEST_F(ModMediaKsTest, Format_WhenTheLibraryRaises_IsToldUnderTheRoutinesName) {
+    RaisingLib lib(w.world.faults, w.world.transcript, w.world.loop, w.world.fs);
+    host::Host& h = w.world.host();
+    host::Host ports{h.app,
+                     h.loop,
+                     h.fs,
+                     h.monitors,
+                     h.hooks,
+                     h.windows,
+                     h.processes,
+                     h.shell,
+                     h.settings,
+                     h.power,
+                     h.box,
+                     h.presenter,
+                     lib,
+                     h.ksOptimize,
+                     h.ksHook,
+                     h.fmtConvert,
+                     h.recSystemAudio,
+                     h.ksEditorControl,
+                     h.scip2,
+                     h.trace,
+                     sim::World::kInstallFolder};
+    const support::Context base{ports, w.forms, w.support};
+    EXPECT_FALSE(modMediaKs::IsKsFmtCompatible({base, w.project}, ProjectWorld::kPackage));
+    ASSERT_EQ(box.Shown().size(), 1U);
+    EXPECT_EQ(box.Shown()[0].text, u"The library is not there.");
+    EXPECT_EQ(box.Shown()[0].title, u"IsKsFmtCompatible");
+}
+
 // --- Key frames ----------------------------------------------------------------------------------------------------
 
 TEST_F(ModMediaKsTest, IsKeyFramePos_ReadsTheListOnceUntilToldToReload) {
@@ -103,6 +172,13 @@ TEST_F(ModMediaKsTest, IsKeyFramePos_WhenTheListCannotBeRead_Fails) {
     w.PutPackage(ProjectText(""), 60000, {0});
     w.world.faults.FailCall(u"ksLib.ListIndex", 1, sim::Once);
     EXPECT_THROW(modMediaKs::IsKeyFramePos(w.c, 0, true, ProjectWorld::kPackage), host::Error);
+}
+
+TEST_F(ModMediaKsTest, IsKeyFramePos_WhenTheListCannotBeDeleted_AnswersAllTheSame) {
+    w.PutPackage(ProjectText(""), 60000, {0, 5000});
+    w.world.faults.FailCall(u"fs.DeleteFile", 1, sim::ForEver);
+    EXPECT_TRUE(modMediaKs::IsKeyFramePos(w.c, 5000, true, ProjectWorld::kPackage));
+    EXPECT_TRUE(w.world.fs.FileExists(u"/home/anna/talks/media.key")) << "in the folder of the media";
 }
 
 TEST_F(ModMediaKsTest, LastKeyFramePos_IsTheLastLineOrNone) {
@@ -135,6 +211,7 @@ TEST_F(ModMediaKsTest, VerifyIndex_WhenTheFirstItemLiesLater_CoversTheStartAndSa
     EXPECT_TRUE(modMediaKs::VerifyIndex(w.c));
     EXPECT_EQ(w.Titles(), (Texts{u"----", u"link", u"one"}));
     EXPECT_EQ(w.project.g_Project.index.Item(1).pos, u"0");
+    EXPECT_EQ(w.project.g_Project.index.Item(1).RecDate, DateTimeText(w.world.loop.Now()));
     EXPECT_EQ(w.Boxes(), Texts{});
     EXPECT_TRUE(IsStored("<title>----</title>"));
     EXPECT_TRUE(w.world.fs.FileExists(ProjectWorld::InWork(u"project.ksp.__")));
@@ -151,8 +228,54 @@ TEST_F(ModMediaKsTest, VerifyIndex_ListsTheItemsOffTheKeyFramesInOrderAndRemoves
 TEST_F(ModMediaKsTest, VerifyIndex_EveryItemButTheFirstOffTheKeyFrames_LeavesOne) {
     SetProject(Item("one", "0") + Item("two", "5000") + Item("three", "7000"), 60000, {0});
     EXPECT_TRUE(modMediaKs::VerifyIndex(w.c));
+    EXPECT_EQ(w.Boxes(), Texts{u"\r\nSlide 2 :  \"two\"\r\nSlide 3 :  \"three\"\r\n"});
     EXPECT_EQ(w.Titles(), Texts{u"one"});
+    EXPECT_TRUE(IsStored("<title>one</title>"));
+    EXPECT_FALSE(IsStored("<title>two</title>"));
     EXPECT_EQ(w.world.ksLib.Get(ProjectWorld::kPackage)->lengthMs, 60000);
+}
+
+TEST_F(ModMediaKsTest, VerifyIndex_NumbersTheItemsBehindTheOneItPutInFront) {
+    SetProject(Item("off", "1200"), 60000, {0});
+    EXPECT_TRUE(modMediaKs::VerifyIndex(w.c));
+    EXPECT_EQ(w.Boxes(), Texts{u"\r\nSlide 2 :  \"off\"\r\n"});
+    EXPECT_EQ(w.Titles(), Texts{u"----"});
+}
+
+TEST_F(ModMediaKsTest, VerifyIndex_ReadsTheKeyFramesAfresh) {
+    SetProject(Item("one", "0") + Item("two", "5000"), 60000, {0});
+    EXPECT_FALSE(modMediaKs::IsKeyFramePos(w.c, 5000, true, ProjectWorld::kPackage));
+    w.PutPackage(ProjectText(Item("one", "0") + Item("two", "5000")), 60000, {0, 5000});
+    EXPECT_TRUE(modMediaKs::VerifyIndex(w.c));
+    EXPECT_EQ(w.Titles(), (Texts{u"one", u"two"}));
+}
+
+TEST_F(ModMediaKsTest, VerifyIndex_KeepsTheStateBeforeTheRepairAsASavePoint) {
+    SetProject(Item("one", "0") + Item("off", "700"), 60000, {0});
+    EXPECT_TRUE(modMediaKs::VerifyIndex(w.c));
+    EXPECT_NE(w.world.fs.Bytes(ProjectWorld::InWork(u"project.ksp.__")).find("<title>off</title>"), std::string::npos);
+    EXPECT_EQ(w.world.fs.Bytes(ProjectWorld::InWork(u"project.ksp")).find("<title>off</title>"), std::string::npos);
+}
+
+TEST_F(ModMediaKsTest, VerifyIndex_WithoutASavePoint_StoresAllTheSame) {
+    SetProject(Item("one", "0") + Item("off", "700"), 60000, {0});
+    w.world.faults.FailCall(u"fs.CopyFile", 1, sim::Once);
+    EXPECT_TRUE(modMediaKs::VerifyIndex(w.c));
+    EXPECT_FALSE(IsStored("<title>off</title>"));
+}
+
+TEST_F(ModMediaKsTest, VerifyIndex_WithTheLanguageFile_SaysEachThingInASentence) {
+    w.world.fs.Put(ProjectWorld::InInstall(u"res.xml"), test::InstallFile("res.xml"));
+    SetProject(Item("one", "0") + Item("off", "700"), 60001, {0});
+    box.Answer(BoxAnswer::Ok);
+    box.Answer(BoxAnswer::Yes);
+    EXPECT_TRUE(modMediaKs::VerifyIndex(w.c));
+    ASSERT_EQ(w.Boxes().size(), 3U);
+    EXPECT_EQ(w.Boxes()[0],
+              u"These entries of the slide index do not fit the recording and have been "
+              u"corrected:\r\nSlide 2 :  \"off\"\r\n");
+    EXPECT_NE(w.Boxes()[1].find(u"The length that the project notes differs"), String::npos);
+    EXPECT_GT(w.Boxes()[2].size(), 10U);
 }
 
 TEST_F(ModMediaKsTest, VerifyIndex_CutsLongTitlesInTheReport) {

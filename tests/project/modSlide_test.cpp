@@ -95,6 +95,69 @@ TEST_F(ModSlideTest, Title_ThatReadsLikeTheFallback_IsTakenForNone) {
     EXPECT_EQ(modSlide::GetSlideTitle(w.c, slide, u"Slide 4"), u"Slide 3");
 }
 
+/// A slide whose shapes may refuse to tell where their text stands or how large it is.
+class ReluctantSlide : public host::ISlide {
+  public:
+    struct Script {
+        String text;
+        std::optional<float> top, size;
+    };
+    explicit ReluctantSlide(std::vector<Script> shapes, float masterHeight = 540)
+        : m_shapes(std::move(shapes)), m_masterHeight(masterHeight) {}
+    std::int32_t SlideIndex() override { return 1; }
+    std::unique_ptr<host::IShapes> Shapes() override { return std::make_unique<List>(m_shapes); }
+    float MasterHeight() override { return m_masterHeight; }
+
+  private:
+    static float Tell(const std::optional<float>& value) {
+        if (!value) throw host::Error(host::ErrorNumber::Automation, u"shape", u"The shape does not tell.");
+        return *value;
+    }
+    struct One : host::IShape {
+        explicit One(Script shapeScript) : script(std::move(shapeScript)) {}
+        bool HasTextFrame() override { return true; }
+        bool HasText() override { return true; }
+        String Text() override { return script.text; }
+        float TextTop() override { return Tell(script.top); }
+        float TextFontSize() override { return Tell(script.size); }
+        Script script;
+    };
+    struct List : host::IShapes {
+        explicit List(std::vector<Script> shapeScripts) : scripts(std::move(shapeScripts)) {}
+        bool HasTitle() override { return false; }
+        std::unique_ptr<host::IShape> Title() override { return nullptr; }
+        std::int32_t Count() override { return static_cast<std::int32_t>(scripts.size()); }
+        std::unique_ptr<host::IShape> Item(std::int32_t index) override {
+            return std::make_unique<One>(scripts.at(static_cast<std::size_t>(index) - 1));
+        }
+        std::vector<Script> scripts;
+    };
+    std::vector<Script> m_shapes;
+    float m_masterHeight;
+};
+
+TEST_F(ModSlideTest, Title_WhenAReadFails_GoesByWhatTheShapeBeforeHad) {
+    ReluctantSlide topFails({{u"small", 10, 12}, {u"no top", std::nullopt, 30}});
+    EXPECT_EQ(modSlide::GetSlideTitle(w.c, topFails, u"Slide 1"), u"no top");
+    ReluctantSlide lowBefore({{u"low", 400, 12}, {u"no top", std::nullopt, 30}});
+    EXPECT_EQ(modSlide::GetSlideTitle(w.c, lowBefore, u"Slide 1"), u"Slide 1");
+    ReluctantSlide sizeFails({{u"low", 400, 40}, {u"no size", 10, std::nullopt}});
+    EXPECT_EQ(modSlide::GetSlideTitle(w.c, sizeFails, u"Slide 1"), u"no size");
+    ReluctantSlide nothingBefore({{u"no size", 10, std::nullopt}});
+    EXPECT_EQ(modSlide::GetSlideTitle(w.c, nothingBefore, u"Slide 1"), u"Slide 1");
+}
+
+TEST_F(ModSlideTest, Title_OnAMasterWithoutAHeight_GoesByTheSizeAlone) {
+    ReluctantSlide slide({{u"text", 400, 30}}, 0);
+    EXPECT_EQ(modSlide::GetSlideTitle(w.c, slide, u"Slide 1"), u"text");
+}
+
+TEST_F(ModSlideTest, Title_OfABlank_IsATitle) {
+    sim::SlideScript slide = Shapes({{u"Headline", 20, 24}});
+    slide.title = u"   ";
+    EXPECT_EQ(TitleOf(slide), u"   ") << "trimmed for an upload only";
+}
+
 TEST_F(ModSlideTest, Title_OfAnEmptySlide_IsTheFallback) {
     EXPECT_EQ(TitleOf(Shapes({})), u"Slide 1");
 }
@@ -120,10 +183,11 @@ TEST_F(ModSlideTest, Title_UnderAnyFault_IsATextOfTheSlideOrTheFallback) {
 TEST_F(ModSlideTest, DocProperty_IsTrimmedAndEmptyOnAnyFailure) {
     EXPECT_EQ(modSlide::GetDocProperty(w.c, u"title"), u"") << "no presentation";
     sim::Deck deck = sim::Deck::Titled(u"/home/anna/talks/deck.pptx", {u"one"});
-    deck.properties = {{u"title", u"  Waves \t"}};
+    deck.properties = {{u"title", u"  Waves and light  "}, {u"keywords", u"   "}};
     w.world.app.Open(deck);
     EXPECT_EQ(modSlide::GetDocProperty(w.c, u"author"), u"");
-    EXPECT_EQ(modSlide::GetDocProperty(w.c, u"title").substr(0, 5), u"Waves");
+    EXPECT_EQ(modSlide::GetDocProperty(w.c, u"title"), u"Waves and light");
+    EXPECT_EQ(modSlide::GetDocProperty(w.c, u"keywords"), u"");
 }
 
 TEST_F(ModSlideTest, WriteAbstract_FillsTheSevenFieldsAndStoresThem) {
@@ -134,10 +198,19 @@ TEST_F(ModSlideTest, WriteAbstract_FillsTheSevenFieldsAndStoresThem) {
                        {u"category", u"K"}, {u"comments", u"O"}, {u"keywords", u"W"}};
     w.world.app.Open(deck);
     modSlide::WriteAbstract(w.c);
-    EXPECT_EQ(w.support.currentStep.empty(), false);
     const CProjectFile& p = w.project.g_Project;
     EXPECT_EQ(p.title + p.author + p.manager + p.company + p.category + p.comments + p.keywords, u"TAMCKOW");
     EXPECT_NE(w.StoredProject().find("<author>A</author>"), std::string::npos);
+}
+
+TEST_F(ModSlideTest, WriteAbstract_OfAPresentationWithoutProperties_EmptiesTheFields) {
+    w.PutPackage(test::InstallFile("default.ksp"), 0, {});
+    ASSERT_TRUE(w.Load(test::InstallFile("default.ksp")));
+    w.project.g_Project.title = u"an older title";
+    w.world.app.Open(sim::Deck::Titled(u"/home/anna/talks/deck.pptx", {u"one"}));
+    modSlide::WriteAbstract(w.c);
+    EXPECT_EQ(w.project.g_Project.title, u"");
+    EXPECT_NE(w.StoredProject().find("<title/>"), std::string::npos) << w.StoredProject();
 }
 
 TEST_F(ModSlideTest, CollectSlideTitles_WithoutAddItems_LeavesTheIndexAlone) {
@@ -152,7 +225,25 @@ TEST_F(ModSlideTest, CollectSlideTitles_WithAddItems_AddsAnEntryWithoutPositionF
     w.world.app.Open(deck);
     modSlide::CollectSlideTitles(w.c, true);
     EXPECT_EQ(w.Titles(), (std::vector<String>{u"one", u"Slide 2", u"Slide 3"}));
-    EXPECT_EQ(w.project.g_Project.index.Item(3).pos, u"-1");
+    for (const CIndexItem& item : w.project.g_Project.index) {
+        EXPECT_EQ(item.pos, u"-1");
+        EXPECT_EQ(item.RecDate, DateTimeText(w.world.loop.Now()));
+        EXPECT_EQ(item.Url + item.PosEnd + item.Length + item.size, u"");
+        EXPECT_FALSE(item.Selected);
+    }
+}
+
+TEST_F(ModSlideTest, CollectSlideTitles_UnderAnyFault_AddsAnEntryForEachSlideItCanCount) {
+    const int runs = sim::FaultSweep(u"app.*", [](const auto& arm) {
+        ProjectWorld desk;
+        desk.world.app.Open(sim::Deck::Titled(u"/home/anna/talks/deck.pptx", {u"one", u"two"}));
+        arm(desk.world.faults);
+        modSlide::CollectSlideTitles(desk.c, true);
+        const auto titles = desk.Titles();
+        for (std::size_t i = 0; i < titles.size(); ++i)
+            EXPECT_TRUE(titles[i] == (i == 0 ? u"one" : u"two") || titles[i].starts_with(u"Slide "));
+    });
+    EXPECT_GE(runs, 1);
 }
 
 }  // namespace
