@@ -50,6 +50,7 @@ class SlideTitles : public testing::Test {
                      world.settings,
                      world.power,
                      world.box,
+                     world.fileDialog,
                      world.presenter,
                      world.ksLib,
                      world.ksOptimize,

@@ -138,6 +138,7 @@ TEST_F(ModMediaKsTest, Format_WhenTheLibraryRaises_IsToldUnderTheRoutinesName) {
                      h.settings,
                      h.power,
                      h.box,
+                     h.fileDialog,
                      h.presenter,
                      lib,
                      h.ksOptimize,
