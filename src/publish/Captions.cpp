@@ -58,7 +58,7 @@ std::optional<CaptionFile> Recognised(const String& name, const String& base) {
 /// One file for each language, the .vtt before the .srt.
 std::vector<CaptionFile> FilesBeside(const support::Context& c) {
     std::vector<CaptionFile> files;
-    for (const String& name : c.host.fs.ListFolder(c.support.packageFolder))
+    for (const String& name : c.host.fs.ListFolder(modGlobal::FolderOf(c, c.support.packagePath)))
         if (const auto file = Recognised(name, BaseName(c))) files.push_back(*file);
     const auto order = [](const CaptionFile& a, const CaptionFile& b) {
         return a.language != b.language ? a.language < b.language : a.format < b.format;
@@ -76,7 +76,7 @@ String Unreadable(const support::Context& c, const String& file) {
 /// Adds the file's captions, or says in `remarks` why not.
 void Take(const support::Context& c, const CaptionFile& file, Captions& captions, String& remarks) {
     CaptionText text;
-    const String path = modGlobal::Join(c, c.support.packageFolder, file.name);
+    const String path = modGlobal::Join(c, modGlobal::FolderOf(c, c.support.packagePath), file.name);
     try {
         if (c.host.fs.FileSize(path) <= kLargestFile) text = ReadCaptions(c.host.fs.ReadFile(path), file.format);
     } catch (const host::Error&) {

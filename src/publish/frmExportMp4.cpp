@@ -33,10 +33,10 @@ frmExportMp4::frmExportMp4(const publish::Context& c) : Form(c.forms, String(kSe
 
 void frmExportMp4::Arrange() {
     SetLayout(ui::Column({lPath, lCurRes, ui::Field(lResolution, cmbResolution),
-                          ui::Row({ui::Field(lWidth, txtWidth), ui::Field(lHeight, txtHeight), chkKeepRatio}), lTip,
+                          ui::Field(lWidth, txtWidth, {ui::Field(lHeight, txtHeight), chkKeepRatio}), lTip,
                           ui::Field(lQuality, cmbQuality, {TxtCustomBitrate, lBitrateUnit}),
-                          ui::Row({ui::Field(lWebcam, cmbWebcamPos), ui::Field(lWebcamSize, cmbWebcamSize)}), lNote,
-                          lCaptions, lSpace, ProgressBar1, txtConvert, ui::Buttons({cmdPublish, cmdCancel})}));
+                          ui::Field(lWebcam, cmbWebcamPos), ui::Field(lWebcamSize, cmbWebcamSize), lNote, lCaptions,
+                          lSpace, ProgressBar1, txtConvert, ui::Buttons({cmdPublish, cmdCancel})}));
 }
 
 void frmExportMp4::Connect() {

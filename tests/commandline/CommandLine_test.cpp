@@ -44,6 +44,39 @@ TEST(CommandLine, UnknownWords_AreNamedInTheSentence) {
     EXPECT_NE(UsageErrorOf({"record"}).find("DECK"), std::string::npos);
 }
 
+TEST(CommandLine, Publish_TakesPackagesAndWhatTheDialogOffers) {
+    const auto request =
+        std::get<PublishRequest>(ParseCommandLine({"publish", "mp4", "--size", "640x360", "a.ktr", "--bitrate", "900",
+                                                   "b c.pptx", "--webcam", "top-left,240x180", "--json"}));
+    EXPECT_EQ(request.sources, (std::vector<std::string>{"a.ktr", "b c.pptx"}));
+    EXPECT_EQ(request.size, (PublishRequest::Size{640, 360}));
+    EXPECT_EQ(request.kbps, 900);
+    EXPECT_EQ(request.webcamPosition, "top-left");
+    EXPECT_EQ(request.webcamSize, "240x180");
+    EXPECT_TRUE(request.json);
+}
+
+TEST(CommandLine, Publish_RefusesWhatTheDialogDoesNotOffer) {
+    for (const std::vector<std::string>& words : std::vector<std::vector<std::string>>{{"--size", "640"},
+                                                                                       {"--size", "239x180"},
+                                                                                       {"--size", "640x179"},
+                                                                                       {"--size", "1921x1080"},
+                                                                                       {"--size", "640x360x2"},
+                                                                                       {"--size", "x"},
+                                                                                       {"--bitrate", "299"},
+                                                                                       {"--bitrate", "12001"},
+                                                                                       {"--bitrate", "900k"},
+                                                                                       {"--webcam", "middle"},
+                                                                                       {"--webcam", "none,1x1"},
+                                                                                       {"--webcam", ""},
+                                                                                       {"--fast"}}) {
+        std::vector<std::string> line = {"publish", "mp4", "a.ktr"};
+        line.insert(line.end(), words.begin(), words.end());
+        EXPECT_NE(UsageErrorOf(line).find(words[0]), std::string::npos) << words.back();
+    }
+    EXPECT_FALSE(UsageErrorOf({"publish", "mp4"}).empty());
+}
+
 TEST(CommandLine, Info_TakesJson) {
     const InfoRequest info = std::get<InfoRequest>(ParseCommandLine({"info", "--json", "a.ktr"}));
     EXPECT_TRUE(info.json);

@@ -139,10 +139,10 @@ TEST_F(ConvertTest, Convert_WithAnotherSize_GivesTheFirstStillSlideForTheCover) 
 
 TEST_F(ConvertTest, Convert_WritesTheEntriesAsChapters) {
     auto request = Request(MakeRecording("lecture.ktr", {}));
-    request.entries = {{0, "Start"}, {2000, "关键帧是什么?"}};
+    request.entries = {{0, "Start"}, {2000, "关键帧是什么?"}, {3000, "....indented"}};
     ConvertToMp4(request, {});
     EXPECT_EQ(Probe(request.output, {"-show_entries", "chapter=start_time:chapter_tags=title"}),
-              (Strings{"0.000000", "Start", "2.000000", "关键帧是什么?"}));
+              (Strings{"0.000000", "Start", "2.000000", "关键帧是什么?", "3.000000", ".indented"}));
 }
 
 TEST_F(ConvertTest, Convert_WithoutGivenEntries_TakesThePackagesChapters) {
@@ -171,6 +171,23 @@ TEST_F(ConvertTest, Convert_WhenTheMovieGetsTooLarge_EndsWithThatAndLeavesNothin
     request.sizeLimit = 40000;
     EXPECT_EQ(ConvertToMp4(request, {}), ConvertOutcome::kSizeLimit);
     EXPECT_EQ(Files(), Strings{"lecture.ktr"});
+}
+
+TEST_F(ConvertTest, Convert_OntoAFullDisk_SaysSoAndLeavesNothing) {
+    for (const int width : {0, 240}) {
+        auto request = Request(MakeRecording("lecture.ktr", {}));
+        request.width = width;
+        request.height = width * 3 / 4;
+        // The file under way is a device that has no room.
+        std::filesystem::create_symlink("/dev/full", File("media.mp4.part"));
+        try {
+            ConvertToMp4(request, {});
+            FAIL() << "a full disk took a movie";
+        } catch (const Error& error) {
+            EXPECT_EQ(error.kind, ErrorKind::kDiskFull) << error.what();
+        }
+        EXPECT_EQ(Files(), Strings{"lecture.ktr"});
+    }
 }
 
 TEST_F(ConvertTest, Convert_TellsAscendingPositionsUpToTheLength) {

@@ -164,15 +164,36 @@ TEST_F(MediaOptimizeTest, AnotherSize_IsPassedOn) {
 
 TEST_F(MediaOptimizeTest, BitrateAndWebcamArea_OutliveAJob) {
     m_optimize.SetCustomBitrate(900);
-    m_optimize.SetVideoAreaInMp4(160, 120, 648, 1204);
+    m_optimize.SetVideoAreaInMp4(160, 120, 600, 1200);
     for (int job = 0; job < 2; ++job) {
         std::filesystem::remove(m_folder / "arguments");
         WorkerRuns("echo end finished");
         Start();
         const std::string arguments = Arguments();
         EXPECT_NE(arguments.find("|--bitrate|900|"), std::string::npos);
-        EXPECT_NE(arguments.find("|--camera|160x120,648,1204|"), std::string::npos);
+        EXPECT_NE(arguments.find("|--camera|160x120,600,1200|"), std::string::npos);
     }
+}
+
+TEST_F(MediaOptimizeTest, AnAreaAtTheEdgeOfTheRoundedSize_StaysAtTheEdgeOfThePackagesOwn) {
+    m_optimize.SetVideoAreaInMp4(160, 120, 0, 1364 - 160);
+    for (int job = 0; job < 2; ++job) {
+        std::filesystem::remove(m_folder / "arguments");
+        WorkerRuns("echo end finished");
+        m_width = 1364;
+        Start();
+        EXPECT_NE(Arguments().find("|--camera|160x120,0,1206|"), std::string::npos);
+    }
+}
+
+TEST_F(MediaOptimizeTest, AnOddSize_IsMadeEvenForTheMovieAndThePage) {
+    WorkerRuns("echo end finished");
+    m_width = 641;
+    m_height = 363;
+    Start();
+    EXPECT_NE(Arguments().find("|--size|640x362|"), std::string::npos);
+    EXPECT_EQ(m_width, 640);
+    EXPECT_EQ(m_height, 362);
 }
 
 TEST_F(MediaOptimizeTest, TheDefaultBitrateAndNoArea_AreNotPassed) {

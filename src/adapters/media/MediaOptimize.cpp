@@ -67,17 +67,30 @@ void MediaOptimize::KeepPackageSize(const String& package, std::int32_t& width, 
     if (m_packages.GetFileHeaderDim(package, packageWidth, packageHeight) == 0) return;
     const bool same = width == DownToFour(packageWidth) && height == DownToFour(packageHeight);
     const bool none = width <= 0 || height <= 0;
-    if (!same && !none) return;
+    if (!same && !none) {
+        // Pictures in 4:2:0 have even sides; the caller writes the size of the movie into the page.
+        width -= width % 2;
+        height -= height % 2;
+        return;
+    }
     width = packageWidth;
     height = packageHeight;
 }
 
-std::vector<std::string> MediaOptimize::SettingArguments() const {
+/// Where the webcam goes in a movie that became `width` x `height` instead of `asked`: what touched an edge still does.
+MediaOptimize::Area MediaOptimize::AreaIn(const Size& asked, std::int32_t width, std::int32_t height) const {
+    Area area = m_area;
+    if (area.left + area.width == asked.width) area.left = width - area.width;
+    if (area.top + area.height == asked.height) area.top = height - area.height;
+    return area;
+}
+
+std::vector<std::string> MediaOptimize::SettingArguments(const Area& area) const {
     std::vector<std::string> arguments = {"--limit", kSizeLimit};
     if (m_bitrate > 0) Append(arguments, {"--bitrate", std::to_string(m_bitrate)});
-    if (m_area.width > 0 && m_area.height > 0)
-        Append(arguments, {"--camera", std::to_string(m_area.width) + "x" + std::to_string(m_area.height) + "," +
-                                           std::to_string(m_area.top) + "," + std::to_string(m_area.left)});
+    if (area.width > 0 && area.height > 0)
+        Append(arguments, {"--camera", std::to_string(area.width) + "x" + std::to_string(area.height) + "," +
+                                           std::to_string(area.top) + "," + std::to_string(area.left)});
     return arguments;
 }
 
@@ -86,11 +99,12 @@ std::int32_t MediaOptimize::ks2mp4(const String& package, const String& workFold
                                    std::int32_t& /*mode*/, std::int32_t /*fixedOne*/, std::int32_t audioBitrate,
                                    std::int32_t /*fixedZero*/) {
     m_job.reset();
+    const Size asked{width, height};
     KeepPackageSize(package, width, height);
     std::vector<std::string> arguments = {"convert-mp4", host::ToUtf8(package), Joined(outputFolder, "media.mp4")};
     if (width > 0 && height > 0) Append(arguments, {"--size", std::to_string(width) + "x" + std::to_string(height)});
     if (audioBitrate > 0) Append(arguments, {"--audio-bitrate", std::to_string(audioBitrate)});
-    Append(arguments, SettingArguments());
+    Append(arguments, SettingArguments(AreaIn(asked, width, height)));
     Append(arguments, IndexArguments(workFolder));
     try {
         m_job = std::make_unique<ConversionProcess>(m_worker, arguments);

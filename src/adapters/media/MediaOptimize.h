@@ -22,7 +22,7 @@ class MediaOptimize : public host::IKsOptimize {
     void SetVideoAreaInMp4(std::int32_t width, std::int32_t height, std::int32_t top, std::int32_t left) override;
     void SetCustomBitrate(std::int32_t kilobits) override;
     /// A size that is the package's rounded down to a multiple of 4 means the package's own: it is written back, and
-    /// the pictures need no scaling.
+    /// the pictures need no scaling. Other sides are made even.
     std::int32_t ks2mp4(const String& package, const String& workFolder, const String& outputFolder,
                         const String& programFolder, std::int32_t& width, std::int32_t& height, std::int32_t& mode,
                         std::int32_t fixedOne, std::int32_t audioBitrate, std::int32_t fixedZero) override;
@@ -30,12 +30,16 @@ class MediaOptimize : public host::IKsOptimize {
     void stopKs2mp4() override;
 
   private:
-    void KeepPackageSize(const String& package, std::int32_t& width, std::int32_t& height);
-    std::vector<std::string> SettingArguments() const;
-
     struct Area {
         std::int32_t width = 0, height = 0, top = 0, left = 0;
     };
+    struct Size {
+        std::int32_t width = 0, height = 0;
+    };
+
+    void KeepPackageSize(const String& package, std::int32_t& width, std::int32_t& height);
+    Area AreaIn(const Size& asked, std::int32_t width, std::int32_t height) const;
+    std::vector<std::string> SettingArguments(const Area& area) const;
 
     std::string m_worker;
     host::IKsLib& m_packages;

@@ -1,7 +1,10 @@
 #include "apps/commandline/CommandLine.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <initializer_list>
+#include <string_view>
 
 namespace kestrum::app {
 namespace {
@@ -72,16 +75,62 @@ RecordRequest ParseRecord(Words& words) {
     return request;
 }
 
+/// A whole number from `least` to `most`; throws `sentence` otherwise.
+std::int32_t Bounded(std::string_view text, std::int32_t least, std::int32_t most, const std::string& sentence) {
+    std::int32_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size() || number < least || number > most)
+        throw UsageError(sentence);
+    return number;
+}
+
+PublishRequest::Size MovieSize(const std::string& text) {
+    const std::string sentence = "--size needs a size from 240x180 to 1920x1920, not \"" + text + "\".";
+    const std::string_view words = text;
+    const std::size_t x = std::min(words.find('x'), words.size());
+    const std::string_view height = x < words.size() ? words.substr(x + 1) : std::string_view();
+    return {Bounded(words.substr(0, x), 240, 1920, sentence), Bounded(height, 180, 1920, sentence)};
+}
+
+void TakeWebcam(PublishRequest& request, const std::string& text) {
+    const std::size_t comma = std::min(text.find(','), text.size());
+    request.webcamPosition = text.substr(0, comma);
+    request.webcamSize = comma < text.size() ? text.substr(comma + 1) : std::string();
+    const auto known = [](const std::string& word, std::initializer_list<const char*> words) {
+        return std::find(words.begin(), words.end(), word) != words.end();
+    };
+    const bool place = known(request.webcamPosition, {"top-right", "bottom-right", "top-left", "bottom-left", "none"});
+    const bool size = comma == text.size() || known(request.webcamSize, {"320x240", "240x180", "160x120"});
+    if (!place || !size)
+        throw UsageError(
+            "--webcam needs a place (top-right, bottom-right, top-left, bottom-left, none) and may name a size, as in "
+            "top-left,240x180, not \"" +
+            text + "\".");
+}
+
 PublishRequest ParsePublish(Words& words) {
     if (words.AtEnd() || words.Take() != "mp4")
         throw UsageError("publish needs a format: kestrum publish mp4 PACKAGE.");
     PublishRequest request;
     while (!words.AtEnd()) {
         const std::string word = words.Take();
-        if (IsOption(word)) throw UsageError("publish has no option " + word + ".");
-        TakeOperand(request.source, word, "presentation or package");
+        if (word == "--size") {
+            request.size = MovieSize(words.TakeValue(word));
+        } else if (word == "--bitrate") {
+            const std::string& value = words.TakeValue(word);
+            request.kbps =
+                Bounded(value, 300, 12000, "--bitrate needs kbit/s from 300 to 12000, not \"" + value + "\".");
+        } else if (word == "--webcam") {
+            TakeWebcam(request, words.TakeValue(word));
+        } else if (word == "--json") {
+            request.json = true;
+        } else if (IsOption(word)) {
+            throw UsageError("publish has no option " + word + ".");
+        } else {
+            request.sources.push_back(word);
+        }
     }
-    if (request.source.empty()) throw UsageError("publish needs a presentation or a package.");
+    if (request.sources.empty()) throw UsageError("publish needs a presentation or a package.");
     return request;
 }
 
@@ -154,8 +203,12 @@ std::string HelpText() {
       --from N           begin at slide N
       --advance SECONDS  unattended: every slide stays that long, then the show ends
 
-  kestrum publish mp4 DECK|PACKAGE
+  kestrum publish mp4 DECK|PACKAGE... [--size WxH] [--bitrate K] [--webcam PLACE[,SIZE]] [--json]
       Makes a folder with a web page that plays the lecture. The folder stands beside the package.
+      --size WxH         size of the picture, 240x180 to 1920x1920 (default: as recorded)
+      --bitrate K        kbit/s of the picture, 300 to 12000
+      --webcam PLACE     top-right, bottom-right, top-left, bottom-left or none; SIZE is 320x240, 240x180 or 160x120
+      --json             the result as one line of JSON for each package, nothing else
 
   kestrum configure [DECK|PACKAGE]
       Shows the settings on the desktop: those of the recorder, and of the lecture that is named.

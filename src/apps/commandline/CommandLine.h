@@ -17,9 +17,18 @@ struct RecordRequest {
     std::optional<std::int32_t> advanceMs;  ///< unattended: how long each slide stays, 100 ms to a day
 };
 
-/// `kestrum publish mp4 DECK|PACKAGE`
+/// `kestrum publish mp4 DECK|PACKAGE... [--size WxH] [--bitrate K] [--webcam POS[,SIZE]] [--json]`
 struct PublishRequest {
-    std::string source;
+    struct Size {
+        std::int32_t width = 0, height = 0;
+        bool operator==(const Size&) const = default;
+    };
+    std::vector<std::string> sources;  ///< at least one
+    std::optional<Size> size;          ///< 240x180 to 1920x1920
+    std::optional<std::int32_t> kbps;  ///< 300 to 12000
+    std::string webcamPosition;        ///< a word of the dialog's list, such as "top-right"; empty keeps its choice
+    std::string webcamSize;            ///< "320x240"; empty keeps the dialog's choice
+    bool json = false;
 };
 
 /// `kestrum configure [DECK|PACKAGE]`

@@ -99,8 +99,10 @@ void UnattendedPresenter::Changed(ui::Form& form) {
 }
 
 void UnattendedPresenter::CancelWork() {
-    for (const auto& [form, place] : m_waiting) {
-        if (form->Name() == u"frmExportMp4") Press(*form, u"cmdCancel");
+    m_cancelled = true;
+    const auto waiting = m_waiting;  // a form that is not at work closes
+    for (const auto& [form, place] : waiting) {
+        if (m_waiting.contains(form) && form->Name() == u"frmExportMp4") Press(*form, u"cmdCancel");
     }
 }
 
@@ -129,13 +131,28 @@ void UnattendedPresenter::Answer(ui::Form& form) {
     const ui::Control* button = form.FindControl(buttons[place]);
     if (!button || !button->IsUsable() || !form.IsVisible()) return;
     m_exitCaption = CaptionOf(form, u"cmdCancel");
+    if (!FilledIn(form)) return;
     const String& name = buttons[place];
     ++place;  // before the press: its handler may close the form or pump
     Press(form, name);
 }
 
+bool UnattendedPresenter::FilledIn(ui::Form& form) {
+    const auto fill = m_fills.find(form.Name());
+    if (fill == m_fills.end()) return true;
+    const String sentence = fill->second(form);
+    if (sentence.empty()) return true;
+    m_lastMessage = sentence;
+    Press(form, u"cmdCancel");
+    return false;
+}
+
 void UnattendedPresenter::LeaveIfEnded(ui::Form& form) {
-    if (form.Name() != u"frmExportMp4" || CaptionOf(form, u"cmdCancel") != m_exitCaption) return;
+    if (form.Name() != u"frmExportMp4") return;
+    if (CaptionOf(form, u"cmdCancel") != m_exitCaption) {
+        if (m_cancelled) form.Click(u"cmdCancel");
+        return;
+    }
     m_lastMessage = CaptionOf(form, u"txtConvert");
     Press(form, u"cmdCancel");
 }

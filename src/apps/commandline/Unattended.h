@@ -2,6 +2,7 @@
 // table). Decorators over the real box and presenter; each answer is printed as it is given.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <set>
@@ -53,8 +54,13 @@ class NoScreen final : public host::IFormPresenter {
 class UnattendedPresenter final : public host::IFormPresenter {
   public:
     UnattendedPresenter(host::IFormPresenter& screen, host::IEventLoop& loop, Console& console);
-    /// Presses the cancel button of the form that is at work, as a user would who wants it to stop.
+    /// Presses the cancel button of the form that is at work, as a user would who wants it to stop, until it has ended:
+    /// a press may come at a moment when the form does not listen.
     void CancelWork();
+    /// What a form is filled in with before its first button is pressed. A sentence, if the form does not offer what is
+    /// wanted: then it is left, and the sentence becomes the last message.
+    using Fill = std::function<String(ui::Form&)>;
+    void FillIn(const String& form, Fill fill) { m_fills[form] = std::move(fill); }
     /// Text of the last frmMsgBox, or the last state of work that ended without success; empty if there was none.
     const String& LastMessage() const { return m_lastMessage; }
 
@@ -73,6 +79,8 @@ class UnattendedPresenter final : public host::IFormPresenter {
     void LeaveIfEnded(ui::Form& form);
     /// Presses `button` if the user could; true once it was pressed.
     bool Press(ui::Form& form, const String& button);
+    /// False if the form could not be filled in and was left.
+    bool FilledIn(ui::Form& form);
 
     host::IFormPresenter& m_screen;
     host::IEventLoop& m_loop;
@@ -80,6 +88,8 @@ class UnattendedPresenter final : public host::IFormPresenter {
     /// Forms that wait for an answer, each with the place in its list of buttons.
     std::map<ui::Form*, std::size_t> m_waiting;
     std::unique_ptr<host::ITimer> m_timer;
+    std::map<String, Fill> m_fills;
+    bool m_cancelled = false;
     String m_lastMessage;
     /// Caption of cmdCancel before the work began: with it the dialog says that there is nothing to cancel.
     String m_exitCaption;

@@ -6,7 +6,8 @@
 
 namespace kestrum::app {
 
-/// Publishes and prints "page: PATH"; the exit code. Throws host::Error with a sentence for the user.
+/// Publishes one package after the other and prints "page: PATH" or the failure of each; the exit code: 0 if all were
+/// published, 1 if one was not, 128 and the signal that ended it.
 int RunPublish(Console& console, const PublishRequest& request);
 
 }  // namespace kestrum::app

@@ -32,7 +32,7 @@ struct ConvertRequest {
     /// Bytes that the movie may have; past them the conversion ends with nothing written. 0 is no limit.
     std::int64_t sizeLimit = 0;
     CameraArea camera;
-    /// Ascending; entries without a place in the media are not in it.
+    /// Ascending; entries without a place in the media (inserted files) are not in it.
     std::vector<ConvertEntry> entries;
     /// False: `entries` come from the package's chapters.
     bool entriesGiven = false;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -68,6 +69,9 @@ std::unique_ptr<TrackJob> MakeAudioJob(const ConvertRequest& request, const Pack
     return std::make_unique<AudioEncode>(*input.Audio(), request.audioKbps, output);
 }
 
+/// The title of an indented entry begins with this mark; the page takes it off as well.
+constexpr std::string_view kIndentMark = "...";
+
 /// The index of the movie: entries with a place in it.
 std::vector<ConvertEntry> EntriesOf(const ConvertRequest& request, const PackageInput& input) {
     std::vector<ConvertEntry> entries = request.entriesGiven ? request.entries : input.Chapters();
@@ -75,6 +79,8 @@ std::vector<ConvertEntry> EntriesOf(const ConvertRequest& request, const Package
     entries.erase(std::remove_if(entries.begin(), entries.end(),
                                  [length](const auto& entry) { return entry.pos < 0 || entry.pos >= length; }),
                   entries.end());
+    for (ConvertEntry& entry : entries)
+        if (entry.title.starts_with(kIndentMark)) entry.title.erase(0, kIndentMark.size());
     return entries;
 }
 
