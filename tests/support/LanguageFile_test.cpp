@@ -33,7 +33,7 @@ std::map<std::string, std::string> Sources() {
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
         const std::string extension = entry.path().extension().string();
         if (extension == ".cpp" || extension == ".h") {
-            sources[fs::relative(entry.path(), root).string()] = ReadAll(entry.path());
+            sources[fs::relative(entry.path(), root).generic_string()] = ReadAll(entry.path());
         }
     }
     return sources;
@@ -118,7 +118,7 @@ TEST_F(LanguageFileTest, HoldsEveryCaptionedControlOfEveryFormThatTakesItsCaptio
     for (const auto& [path, text] : sources) {
         const std::string name = fs::path(path).stem().string();
         const bool isForm = name.rfind("frm", 0) == 0 && fs::path(path).extension() == ".h";
-        const std::string body = sources[fs::path(path).replace_extension(".cpp").string()];
+        const std::string body = sources[fs::path(path).replace_extension(".cpp").generic_string()];
         if (!isForm || body.find("ApplyLanguage(") == std::string::npos) continue;
         ++forms;
         EXPECT_TRUE(Has(name, name)) << name << " has no title";
