@@ -49,9 +49,7 @@ TEST(ConvertArguments, WhatIsNotOursIsRefused) {
 }
 
 TEST_F(ConvertTest, ConvertArguments_TheIndexFileGivesEntriesInOrderWithoutLinks) {
-    real::WriteText(
-        File("index"),
-        "5000\tdate\tTwo\\ttabs\t\n-1\tdate\tA link\thttp://x\n0\tdate\tOne\t\n");
+    real::WriteText(File("index"), "5000\tdate\tTwo\\ttabs\t\n-1\tdate\tA link\thttp://x\n0\tdate\tOne\t\n");
     const auto request = ParseConvertMp4({"a", "b", "--index", File("index")});
     ASSERT_TRUE(request);
     EXPECT_TRUE(request->entriesGiven);
