@@ -72,15 +72,6 @@ TEST_F(Mp4DialogAtWork, AMovieThatIsTooBig_IsToldInTheDialog) {
     KeepWhole(dialog, "-too-big");
 }
 
-TEST_F(Mp4DialogAtWork, AMissingCover_IsToldInTheDialog) {
-    world.ksOptimize.nextStatuses = {1234};
-    world.processes.programs[u"ffmpeg"].effect = nullptr;
-    auto& dialog = ShownDialog();
-    PublishAndWait(dialog, [] {});
-    EXPECT_NE(dialog.txtConvert.Caption().find(u"cover"), String::npos);
-    KeepWhole(dialog, "-error");
-}
-
 TEST_F(Mp4DialogAtWork, EverythingAtOnceAndALongPath_FitOntoASmallScreen) {
     String name;
     for (int i = 0; i < 12; ++i) name += u"a long folder name";
