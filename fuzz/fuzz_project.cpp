@@ -7,8 +7,8 @@ using namespace kestrum;
 
 namespace {
 
-constexpr char16_t kFile[] = u"/tmp/user/work/project.ksp";
-constexpr char16_t kCopy[] = u"/tmp/user/work/copy.ksp";
+constexpr char16_t kFile[] = u"/tmp/user/scratch/project.ksp";
+constexpr char16_t kCopy[] = u"/tmp/user/scratch/copy.ksp";
 
 bool SameIndex(CProjectFile& a, CProjectFile& b) {
     if (a.index.Count() != b.index.Count()) return false;
@@ -24,7 +24,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     world.box.AnswerAll();
     ui::Forms forms(world.presenter, world.loop);
     support::State state;
-    state.workFolder = u"/tmp/user/work";
+    state.workFolder = u"/tmp/user/scratch";
     const support::Context c{world.host(), forms, state};
     world.fs.Put(kFile, std::string(fuzz::Bytes(data, size)));
 
@@ -34,6 +34,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     CProjectFile again(c);
     fuzz::Require(again.Load(kCopy), "a saved project loads");
     fuzz::Require(SameIndex(project, again), "a saved project holds the same index");
-    project.SaveToXml(u"/tmp/user/work/project.xml");
+    project.SaveToXml(u"/tmp/user/scratch/project.xml");
     return 0;
 }

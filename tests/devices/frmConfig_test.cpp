@@ -9,7 +9,7 @@ namespace kestrum {
 namespace {
 
 const String kPackage = u"/home/anna/waves.ktr";
-const String kWork = u"/tmp/user/work";
+const String kWork = u"/tmp/user/scratch";
 const String kPicture = u"/home/anna/pictures/me.at.work.jpeg";
 
 class frmConfigTest : public DevicesTest {

@@ -102,8 +102,8 @@ struct ProjectWorld {
 
     static constexpr char16_t kFolder[] = u"/home/anna/talks";
     static constexpr char16_t kPackage[] = u"/home/anna/talks/deck.ktr";
-    static constexpr char16_t kWork[] = u"/tmp/user/work";
-    static constexpr char16_t kProjectFile[] = u"/tmp/user/work/project.ksp";
+    static constexpr char16_t kWork[] = u"/tmp/user/scratch";
+    static constexpr char16_t kProjectFile[] = u"/tmp/user/scratch/project.ksp";
 
     sim::World world;
     support::State support;

@@ -11,8 +11,8 @@ namespace {
 struct Capture : test::Lecture {
     Capture() {
         session.support.packagePath = kPackage;
-        session.support.workFolder = u"/tmp/user/work";
-        world.fs.PutFolder(u"/tmp/user/work");
+        session.support.workFolder = u"/tmp/user/scratch";
+        world.fs.PutFolder(u"/tmp/user/scratch");
         Slide(960, 540);
     }
     void Slide(std::int32_t width, std::int32_t height) {

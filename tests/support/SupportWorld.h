@@ -14,7 +14,7 @@ class SupportTest : public ::testing::Test {
         state.applicationTitle = u"Kestrum for PowerPoint";
         state.g_HostMode = u"PPT";
         state.g_OsVersion = 63;
-        state.workFolder = u"/tmp/user/work";
+        state.workFolder = u"/tmp/user/scratch";
         world.fs.PutFolder(state.workFolder);
     }
     void TearDown() override { EXPECT_TRUE(world.presenter.LeftOverActs().empty()); }

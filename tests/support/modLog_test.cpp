@@ -10,7 +10,7 @@ using modLog::WriteErrLog;
 
 class modLogTest : public SupportTest {
   protected:
-    const String file = u"/tmp/user/work/err_log.txt";
+    const String file = u"/tmp/user/scratch/err_log.txt";
     std::string Log() const { return world.fs.Bytes(file); }
 };
 
