@@ -40,28 +40,7 @@ class VerifyCommandTest : public testing::Test {
         Console console;
         if (json) console.ResultsOnly();
         UnattendedBox box(console);
-        host::Host ports{w.world.host().app,
-                         w.world.loop,
-                         w.world.fs,
-                         w.world.monitors,
-                         w.world.hooks,
-                         w.world.windows,
-                         w.world.processes,
-                         w.world.shell,
-                         w.world.settings,
-                         w.world.power,
-                         box,
-                         w.world.fileDialog,
-                         w.world.presenter,
-                         w.world.ksLib,
-                         w.world.ksOptimize,
-                         w.world.ksHook,
-                         w.world.host().fmtConvert,
-                         w.world.recSystemAudio,
-                         w.world.host().ksEditorControl,
-                         w.world.host().scip2,
-                         w.world.trace,
-                         sim::World::kInstallFolder};
+        host::Host ports = w.world.HostWith({.box = &box});
         ui::Forms forms(w.world.presenter, w.world.loop);
         support::State state;
         state.applicationTitle = u"Kestrum";

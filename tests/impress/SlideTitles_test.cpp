@@ -39,28 +39,7 @@ class SlideTitles : public testing::Test {
     static std::unique_ptr<OfficeDesk> desk;
     TempFolder folder;
     sim::World world;
-    host::Host ports{desk->App(),
-                     world.loop,
-                     world.fs,
-                     world.monitors,
-                     world.hooks,
-                     world.windows,
-                     world.processes,
-                     world.shell,
-                     world.settings,
-                     world.power,
-                     world.box,
-                     world.fileDialog,
-                     world.presenter,
-                     world.ksLib,
-                     world.ksOptimize,
-                     world.ksHook,
-                     world.host().fmtConvert,
-                     world.recSystemAudio,
-                     world.host().ksEditorControl,
-                     world.host().scip2,
-                     world.trace,
-                     sim::World::kInstallFolder};
+    host::Host ports = world.HostWith({.app = &desk->App()});
     support::State support;
     ui::Forms forms{world.presenter, world.loop};
     support::Context base{ports, forms, support};

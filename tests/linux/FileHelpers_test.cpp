@@ -58,29 +58,7 @@ class FileHelpersTest : public testing::Test {
     real::TempFolder folder;
     sim::World world;
     LinuxFileSystem fs;
-    host::Host& w = world.host();
-    host::Host ports{w.app,
-                     w.loop,
-                     fs,
-                     w.monitors,
-                     w.hooks,
-                     w.windows,
-                     w.processes,
-                     w.shell,
-                     w.settings,
-                     w.power,
-                     w.box,
-                     w.fileDialog,
-                     w.presenter,
-                     w.ksLib,
-                     w.ksOptimize,
-                     w.ksHook,
-                     w.fmtConvert,
-                     w.recSystemAudio,
-                     w.ksEditorControl,
-                     w.scip2,
-                     w.trace,
-                     w.installFolder};
+    host::Host ports = world.HostWith({.fs = &fs});
     ui::Forms forms{world.presenter, world.loop};
     support::State state;
     support::Context c{ports, forms, state};

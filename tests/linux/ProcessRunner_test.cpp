@@ -86,28 +86,8 @@ class ProcessRunnerTest : public testing::Test {
     LinuxFileSystem m_fs;
     LinuxProcesses m_processes;
     ui::HeadlessPresenter m_presenter{m_loop};
-    host::Host m_host{m_world.app,
-                      m_loop,
-                      m_fs,
-                      m_world.monitors,
-                      m_world.hooks,
-                      m_world.windows,
-                      m_processes,
-                      m_world.shell,
-                      m_world.settings,
-                      m_world.power,
-                      m_world.box,
-                      m_world.fileDialog,
-                      m_presenter,
-                      m_world.ksLib,
-                      m_world.ksOptimize,
-                      m_world.ksHook,
-                      m_world.host().fmtConvert,
-                      m_world.recSystemAudio,
-                      m_world.host().ksEditorControl,
-                      m_world.host().scip2,
-                      m_trace,
-                      u"/opt/kestrum"};
+    host::Host m_host = m_world.HostWith(
+        {.loop = &m_loop, .fs = &m_fs, .processes = &m_processes, .presenter = &m_presenter, .trace = &m_trace});
     support::State m_state;
     ui::Forms m_forms{m_presenter, m_loop};
     support::Context m_c{m_host, m_forms, m_state};

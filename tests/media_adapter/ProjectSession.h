@@ -65,28 +65,14 @@ struct Session {
     WorkerLink worker{std::string(KESTRUM_BIN_DIR) + "/ksmedia", loop};
     MediaKsLib lib{worker};
     ui::HeadlessPresenter presenter{loop};
-    host::Host host{world.app,
-                    loop,
-                    fs,
-                    world.monitors,
-                    world.hooks,
-                    world.windows,
-                    processes,
-                    shell,
-                    world.settings,
-                    world.power,
-                    world.box,
-                    world.fileDialog,
-                    presenter,
-                    lib,
-                    world.ksOptimize,
-                    world.ksHook,
-                    world.host().fmtConvert,
-                    world.recSystemAudio,
-                    world.host().ksEditorControl,
-                    world.host().scip2,
-                    trace,
-                    host::FromUtf8(KESTRUM_BIN_DIR)};
+    host::Host host = world.HostWith({.loop = &loop,
+                                      .fs = &fs,
+                                      .processes = &processes,
+                                      .shell = &shell,
+                                      .presenter = &presenter,
+                                      .ksLib = &lib,
+                                      .trace = &trace,
+                                      .installFolder = host::FromUtf8(KESTRUM_BIN_DIR)});
     support::State support;
     ui::Forms forms{presenter, loop};
     support::Context base{host, forms, support};

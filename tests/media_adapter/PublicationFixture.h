@@ -67,28 +67,13 @@ class PublicationTest : public testing::Test {
     WorkerLink m_worker{kInstall + "/ksmedia", m_loop};
     MediaKsLib m_library{m_worker};
     MediaOptimize m_optimize{FromUtf8(kInstall + "/ksmedia"), m_library};
-    host::Host m_host{m_world.host().app,
-                      m_loop,
-                      m_files,
-                      m_world.host().monitors,
-                      m_world.host().hooks,
-                      m_world.host().windows,
-                      m_processes,
-                      m_world.host().shell,
-                      m_world.host().settings,
-                      m_world.host().power,
-                      m_world.host().box,
-                      m_world.host().fileDialog,
-                      m_world.host().presenter,
-                      m_library,
-                      m_optimize,
-                      m_world.host().ksHook,
-                      m_world.host().fmtConvert,
-                      m_world.recSystemAudio,
-                      m_world.host().ksEditorControl,
-                      m_world.host().scip2,
-                      m_trace,
-                      FromUtf8(kInstall)};
+    host::Host m_host = m_world.HostWith({.loop = &m_loop,
+                                          .fs = &m_files,
+                                          .processes = &m_processes,
+                                          .ksLib = &m_library,
+                                          .ksOptimize = &m_optimize,
+                                          .trace = &m_trace,
+                                          .installFolder = FromUtf8(kInstall)});
     ui::HeadlessPresenter m_presenter{m_loop};
     ui::Forms m_forms{m_presenter, m_loop};
     support::State m_support;

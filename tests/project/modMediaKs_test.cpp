@@ -126,29 +126,7 @@ struct RaisingLib : sim::KsLib {
 
 TEST_F(ModMediaKsTest, Format_WhenTheLibraryRaises_IsToldUnderTheRoutinesName) {
     RaisingLib lib(w.world.faults, w.world.transcript, w.world.loop, w.world.fs);
-    host::Host& h = w.world.host();
-    host::Host ports{h.app,
-                     h.loop,
-                     h.fs,
-                     h.monitors,
-                     h.hooks,
-                     h.windows,
-                     h.processes,
-                     h.shell,
-                     h.settings,
-                     h.power,
-                     h.box,
-                     h.fileDialog,
-                     h.presenter,
-                     lib,
-                     h.ksOptimize,
-                     h.ksHook,
-                     h.fmtConvert,
-                     h.recSystemAudio,
-                     h.ksEditorControl,
-                     h.scip2,
-                     h.trace,
-                     sim::World::kInstallFolder};
+    host::Host ports = w.world.HostWith({.ksLib = &lib});
     const support::Context base{ports, w.forms, w.support};
     EXPECT_FALSE(modMediaKs::IsKsFmtCompatible({base, w.project}, ProjectWorld::kPackage));
     ASSERT_EQ(box.Shown().size(), 1U);

@@ -437,34 +437,8 @@ class FailingStepTest : public ModProjectTest {
   protected:
     FailingStepTest() { w.PutPackage(ProjectText(Item("one", "0")), 60000, {0}); }
 
-    host::Host MakeHost() {
-        host::Host& h = w.world.host();
-        return {h.app,
-                h.loop,
-                h.fs,
-                h.monitors,
-                h.hooks,
-                h.windows,
-                h.processes,
-                h.shell,
-                h.settings,
-                h.power,
-                h.box,
-                h.fileDialog,
-                h.presenter,
-                lib,
-                h.ksOptimize,
-                h.ksHook,
-                h.fmtConvert,
-                h.recSystemAudio,
-                h.ksEditorControl,
-                h.scip2,
-                h.trace,
-                h.installFolder};
-    }
-
     FailingKsLib lib{w.world};
-    host::Host host = MakeHost();
+    host::Host host = w.world.HostWith({.ksLib = &lib});
     ui::Forms forms{w.world.presenter, w.world.loop};
     support::Context base{host, forms, w.support};
     project::State state{base};

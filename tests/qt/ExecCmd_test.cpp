@@ -27,31 +27,6 @@ class ExecCmdTest : public testing::Test {
         chmod(path.c_str(), 0755);
         return host::FromUtf8(path.string());
     }
-    host::Host MakeHost() {
-        host::Host& w = world.host();
-        return {w.app,
-                loop,
-                fs,
-                w.monitors,
-                w.hooks,
-                w.windows,
-                processes,
-                w.shell,
-                w.settings,
-                w.power,
-                box,
-                w.fileDialog,
-                qtPresenter,
-                w.ksLib,
-                w.ksOptimize,
-                w.ksHook,
-                w.fmtConvert,
-                w.recSystemAudio,
-                w.ksEditorControl,
-                w.scip2,
-                w.trace,
-                host::FromUtf8(std::string(KESTRUM_SOURCE_DIR) + "/install")};
-    }
     /// The whole screen, for whoever wants to look.
     void KeepScreen() {
         const std::string pictures = std::string(KESTRUM_BIN_DIR) + "/../screenshots";
@@ -69,7 +44,13 @@ class ExecCmdTest : public testing::Test {
     QtEventLoop loop{trace};
     QtPresenter qtPresenter{loop};
     QtMessageBox box{loop, u"Kestrum"};
-    host::Host realHost = MakeHost();
+    host::Host realHost =
+        world.HostWith({.loop = &loop,
+                        .fs = &fs,
+                        .processes = &processes,
+                        .box = &box,
+                        .presenter = &qtPresenter,
+                        .installFolder = host::FromUtf8(std::string(KESTRUM_SOURCE_DIR) + "/install")});
     support::State state;
     ui::Forms forms{qtPresenter, loop};
     support::Context c{realHost, forms, state};

@@ -22,31 +22,6 @@ class ProductFormsTest : public testing::Test, protected test::PublishWorld {
     }
     ~ProductFormsTest() override { EXPECT_TRUE(trace.lines.empty()); }
 
-    host::Host MakeHost() {
-        host::Host& w = world.host();
-        return {w.app,
-                loop,
-                w.fs,
-                w.monitors,
-                w.hooks,
-                w.windows,
-                w.processes,
-                w.shell,
-                w.settings,
-                w.power,
-                box,
-                w.fileDialog,
-                qtPresenter,
-                w.ksLib,
-                w.ksOptimize,
-                w.ksHook,
-                w.fmtConvert,
-                w.recSystemAudio,
-                w.ksEditorControl,
-                w.scip2,
-                w.trace,
-                w.installFolder};
-    }
     FormWindow& WindowOf(const ui::Form& form) { return *qtPresenter.Find(form); }
     bool PumpUntil(const std::function<bool()>& done) { return Screen::PumpUntil(loop, done); }
     void Settle() {
@@ -82,7 +57,7 @@ class ProductFormsTest : public testing::Test, protected test::PublishWorld {
     QtEventLoop loop{trace};
     QtPresenter qtPresenter{loop};
     QtMessageBox box{loop, u"Kestrum for PowerPoint"};
-    host::Host realHost = MakeHost();
+    host::Host realHost = world.HostWith({.loop = &loop, .box = &box, .presenter = &qtPresenter});
     ui::Forms forms{qtPresenter, loop};
     devices::State devices;
     display::State display;

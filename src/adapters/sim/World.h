@@ -2,6 +2,8 @@
 // does, hands `host()` to the program and then asks what a user, a file or the next program sees.
 #pragma once
 
+#include <optional>
+
 #include "adapters/sim/Application.h"
 #include "adapters/sim/EventLoop.h"
 #include "adapters/sim/Faults.h"
@@ -31,6 +33,21 @@ struct Places {
     String installFolder, home, temp, appData, localData;
 };
 
+/// Ports that take the place of the world's own, by name; the others stay the world's.
+struct Instead {
+    host::IApplication* app = nullptr;
+    host::IEventLoop* loop = nullptr;
+    host::IFileSystem* fs = nullptr;
+    host::IProcesses* processes = nullptr;
+    host::IShellFolders* shell = nullptr;
+    host::IMessageBox* box = nullptr;
+    host::IFormPresenter* presenter = nullptr;
+    host::IKsLib* ksLib = nullptr;
+    host::IKsOptimize* ksOptimize = nullptr;
+    host::ITrace* trace = nullptr;
+    std::optional<String> installFolder = std::nullopt;
+};
+
 class World {
   public:
     /// A quiet desk: an empty home folder, temp and data folders, an install folder without files, one monitor of
@@ -40,6 +57,8 @@ class World {
     World& operator=(const World&) = delete;
 
     host::Host& host() { return m_host; }
+    /// The world's ports with some exchanged, for a test that brings real ones. The world and they outlive the answer.
+    host::Host HostWith(const Instead& instead);
 
     const Places places;
 
