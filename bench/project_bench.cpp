@@ -9,6 +9,7 @@
 #include <pugixml.hpp>
 #include <string>
 
+#include "Places.h"
 #include "adapters/sim/World.h"
 #include "project/CProjectFile.h"
 #include "project/CTime.h"
@@ -22,7 +23,7 @@ constexpr char16_t kFile[] = u"/home/anna/project.ksp";
 
 /// The template with `entries` slides, 100 ms apart.
 std::string ProjectText(int entries) {
-    std::ifstream file(KESTRUM_SOURCE_DIR "/install/default.ksp", std::ios::binary);
+    std::ifstream file(std::string(places::kSource) + "/install/default.ksp", std::ios::binary);
     std::string text{std::istreambuf_iterator<char>(file), {}};
     const std::string empty = R"(<index duration="00:00" type="OL"></index>)";
     std::string index =

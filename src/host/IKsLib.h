@@ -114,6 +114,17 @@ class IKsLib {
     virtual void MixerSet(std::int32_t index, std::int32_t on) = 0;
     virtual std::int32_t GetAudioVolume() = 0;  ///< 0 to 100
 
+    // --- Audio test: a few seconds recorded into a raw file and played back ----------------------------------------
+
+    /// Records from the microphone set before into `file` (little-endian 16-bit samples, mono, 48000 Hz).
+    virtual void StartTestRecordAudio(const String& file) = 0;
+    virtual void StopTestRecordAudio() = 0;
+    virtual std::int32_t GetTestRecordTime() = 0;  ///< milliseconds recorded
+    /// Plays such a file on the default output; one that is missing or empty is at its end at once.
+    virtual void PlayTestAudio(const String& file) = 0;
+    virtual void StopTestAudio() = 0;
+    virtual std::int32_t GetPlayTestTime() = 0;  ///< milliseconds played; negative at the end
+
     // --- The package -----------------------------------------------------------------------------------------------
 
     /// Media length in ms, of a growing file too; lies beyond the last key frame. 0 without media.

@@ -12,6 +12,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "Places.h"
 #include "adapters/sim/Scenario.h"
 #include "adapters/sim/World.h"
 #include "addin/Session.h"
@@ -25,7 +26,7 @@ const String kDeck = u"/home/anna/waves.pptx";
 const String kPackage = u"/home/anna/waves.ktr";
 
 std::string TemplateProject() {
-    std::ifstream file(KESTRUM_SOURCE_DIR "/install/default.ksp", std::ios::binary);
+    std::ifstream file(std::string(places::kSource) + "/install/default.ksp", std::ios::binary);
     std::stringstream bytes;
     bytes << file.rdbuf();
     return bytes.str();

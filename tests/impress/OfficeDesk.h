@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "Places.h"
 #include "adapters/impress/ImpressOffice.h"
 #include "adapters/linux/EventLoop.h"
 #include "adapters/sim/Monitors.h"
@@ -32,7 +33,7 @@ class TempFolder {
     const fs::path& Path() const { return m_path; }
     /// A copy of the sample lecture under `name`; gives its path.
     fs::path CopyOfLecture(const std::string& name) const {
-        fs::copy_file(KESTRUM_SOURCE_DIR "/samples/lecture.pptx", m_path / name);
+        fs::copy_file(std::string(places::kSource) + "/samples/lecture.pptx", m_path / name);
         return m_path / name;
     }
 

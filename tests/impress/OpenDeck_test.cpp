@@ -1,4 +1,5 @@
 // What can be opened, and what is said about the rest. One office for all.
+#include "Places.h"
 #include "impress/OfficeDesk.h"
 
 namespace kestrum::impress {
@@ -89,7 +90,7 @@ TEST_F(OpenDeck, ATextUnderADecksName_OpensNothing) {
 }
 
 TEST_F(OpenDeck, ADamagedDeck_OpensNothing) {
-    std::ifstream sample(KESTRUM_SOURCE_DIR "/samples/lecture.pptx", std::ios::binary);
+    std::ifstream sample(std::string(places::kSource) + "/samples/lecture.pptx", std::ios::binary);
     std::string bytes((std::istreambuf_iterator<char>(sample)), {});
     const auto sentence = Opening(Write("half.pptx", bytes.substr(0, bytes.size() / 2)));
     EXPECT_EQ(sentence,

@@ -2,6 +2,7 @@
 // One office for all.
 #include <cstdlib>
 
+#include "Places.h"
 #include "adapters/sim/World.h"
 #include "impress/OfficeDesk.h"
 #include "project/Context.h"
@@ -31,7 +32,7 @@ class SlideTitles : public testing::Test {
     fs::path MakeTitles() {
         const auto deck = folder.Path() / "titles.pptx";
         const std::string command =
-            std::string("python3 '") + KESTRUM_SOURCE_DIR + "/tests/impress/make_titles.py' '" + deck.string() + "'";
+            std::string("python3 '") + places::kSource + "/tests/impress/make_titles.py' '" + deck.string() + "'";
         EXPECT_EQ(std::system(command.c_str()), 0);
         return deck;
     }

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "ConvertFixture.h"
+#include "Places.h"
 #include "media/convert/KeyFrameTimes.h"
 #include "media/package/Error.h"
 
@@ -356,13 +357,13 @@ TEST(KeyFrameText, WritesSecondsWithSixDecimals) {
 TEST_F(ConvertTest, MpFourGetKeyFrame_WritesOneTimeALine) {
     ConvertToMp4(Request(MakeRecording("lecture.ktr", {})), {});
     const auto list = File("key frame.txt");
-    ASSERT_EQ(real::Run({std::string(KESTRUM_BIN_DIR) + "/mp4GetKeyFrame", File("media.mp4"), list}).code, 0);
+    ASSERT_EQ(real::Run({std::string(places::kInstall) + "/mp4GetKeyFrame", File("media.mp4"), list}).code, 0);
     EXPECT_EQ(real::ReadText(list), "0.000000\n2.000000\n4.000000\n");
 }
 
 TEST_F(ConvertTest, MpFourGetKeyFrame_OfAFileThatIsNoMovie_WritesNothing) {
     real::WriteText(File("media.mp4"), "nothing");
-    EXPECT_NE(real::Run({std::string(KESTRUM_BIN_DIR) + "/mp4GetKeyFrame", File("media.mp4"), File("list")}).code, 0);
+    EXPECT_NE(real::Run({std::string(places::kInstall) + "/mp4GetKeyFrame", File("media.mp4"), File("list")}).code, 0);
     EXPECT_EQ(Files(), Strings{"media.mp4"});
 }
 

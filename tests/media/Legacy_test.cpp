@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include "LegacySamples.h"
+#include "Places.h"
 #include "media/legacy/BlockCipher.h"
 #include "media/legacy/Decryption.h"
 #include "media/legacy/LegacyFolder.h"
@@ -22,7 +23,7 @@ namespace {
 using namespace test;
 namespace fs = std::filesystem;
 
-const std::string kPrograms = KESTRUM_BIN_DIR;
+const std::string kPrograms = places::kInstall;
 
 class LegacyTest : public ::testing::Test {
   protected:

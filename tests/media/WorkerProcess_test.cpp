@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "Places.h"
 #include "media/package/Package.h"
 #include "media/protocol/Channel.h"
 #include "real/MediaProbe.h"
@@ -21,7 +22,7 @@ using namespace kestrum::real;
 using namespace kestrum::media::protocol;
 
 constexpr int kWidth = 320, kHeight = 240;
-const std::string kWorker = std::string(KESTRUM_BIN_DIR) + "/ksmedia";
+const std::string kWorker = std::string(places::kInstall) + "/ksmedia";
 
 /// A worker with our end of its channel.
 class Worker {
@@ -66,7 +67,7 @@ class Worker {
 class WorkerProcess : public ::testing::Test {
   protected:
     void SetUp() override {
-        std::filesystem::copy_file(std::string(KESTRUM_SOURCE_DIR) + "/install/default.ksp", m_folder / "project.ksp");
+        std::filesystem::copy_file(std::string(places::kSource) + "/install/default.ksp", m_folder / "project.ksp");
     }
     std::vector<std::pair<std::string, std::string>> Env() const {
         auto env = m_sound.Env();

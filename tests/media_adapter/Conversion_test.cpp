@@ -3,6 +3,7 @@
 
 #include <filesystem>
 
+#include "Places.h"
 #include "adapters/media/MediaOptimize.h"
 #include "adapters/sim/World.h"
 #include "real/ChildProcess.h"
@@ -70,7 +71,7 @@ class RealConversion : public testing::Test {
     real::TempFolder m_folder;
     std::string m_package;
     sim::World m_world;
-    MediaOptimize m_optimize{host::FromUtf8(std::string(KESTRUM_BIN_DIR) + "/ksmedia"), m_world.ksLib};
+    MediaOptimize m_optimize{host::FromUtf8(std::string(places::kInstall) + "/ksmedia"), m_world.ksLib};
 };
 
 TEST_F(RealConversion, AJob_EndsWithTheMovie) {
@@ -95,7 +96,7 @@ TEST_F(RealConversion, AStoppedJob_LeavesNothing) {
 TEST_F(RealConversion, AJobWhoseOwnerGoes_EndsAndLeavesNothing) {
     Record(300);
     {
-        MediaOptimize owner(host::FromUtf8(std::string(KESTRUM_BIN_DIR) + "/ksmedia"), m_world.ksLib);
+        MediaOptimize owner(host::FromUtf8(std::string(places::kInstall) + "/ksmedia"), m_world.ksLib);
         std::int32_t width = 1920, height = 1080, mode = 2;
         ASSERT_NE(
             owner.ks2mp4(host::FromUtf8(m_package), kNoFolder, Folder(), kNoFolder, width, height, mode, 1, 32, 0), 0);

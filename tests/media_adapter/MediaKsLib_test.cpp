@@ -1,5 +1,6 @@
 // The media library's port against the real worker, a real display and a real sound server: what the core sees.
 #include "adapters/media/MediaKsLib.h"
+#include "Places.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -22,7 +23,7 @@ using host::ToUtf8;
 using namespace kestrum::real;
 
 constexpr int kWidth = 640, kHeight = 480;
-const std::string kWorker = std::string(KESTRUM_BIN_DIR) + "/ksmedia";
+const std::string kWorker = std::string(places::kInstall) + "/ksmedia";
 
 void Sleep(int ms) {
     std::this_thread::sleep_for(std::chrono::milliseconds(ms));
@@ -31,7 +32,7 @@ void Sleep(int ms) {
 class MediaKsLibTest : public ::testing::Test {
   protected:
     void SetUp() override {
-        std::filesystem::copy_file(std::string(KESTRUM_SOURCE_DIR) + "/install/default.ksp", Path("project.ksp"));
+        std::filesystem::copy_file(std::string(places::kSource) + "/install/default.ksp", Path("project.ksp"));
         WriteText(Path("inteIndex.txt"), "text for the editor");
     }
 

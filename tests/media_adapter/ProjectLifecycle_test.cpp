@@ -8,6 +8,7 @@
 #include <fstream>
 
 #include "../media/LegacySamples.h"
+#include "Places.h"
 #include "media/package/ProjectXml.h"
 #include "media_adapter/ProjectSession.h"
 #include "real/ChildProcess.h"
@@ -38,7 +39,7 @@ class ProjectLifecycleTest : public testing::Test {
                                            {media::kPhotoName, media::test::AsBytes("own photo")}});
     }
     static media::Bytes ProjectText(const std::string& duration) {
-        std::ifstream file(std::string(KESTRUM_BIN_DIR) + "/default.ksp", std::ios::binary);
+        std::ifstream file(std::string(places::kInstall) + "/default.ksp", std::ios::binary);
         std::string text{std::istreambuf_iterator<char>(file), {}};
         const std::string empty = R"(<index duration="00:00" type="OL"></index>)";
         const std::string items =

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "Places.h"
 #include "adapters/linux/EventLoop.h"
 #include "adapters/linux/LinuxFileSystem.h"
 #include "adapters/linux/LinuxProcesses.h"
@@ -62,7 +63,7 @@ struct Session {
     platform::LinuxFileSystem fs;
     platform::LinuxProcesses processes;
     platform::LinuxShellFolders shell;
-    WorkerLink worker{std::string(KESTRUM_BIN_DIR) + "/ksmedia", loop};
+    WorkerLink worker{std::string(places::kInstall) + "/ksmedia", loop};
     MediaKsLib lib{worker};
     ui::HeadlessPresenter presenter{loop};
     host::Host host = world.HostWith({.loop = &loop,
@@ -72,7 +73,7 @@ struct Session {
                                       .presenter = &presenter,
                                       .ksLib = &lib,
                                       .trace = &trace,
-                                      .installFolder = host::FromUtf8(KESTRUM_BIN_DIR)});
+                                      .installFolder = host::FromUtf8(places::kInstall)});
     support::State support;
     ui::Forms forms{presenter, loop};
     support::Context base{host, forms, support};

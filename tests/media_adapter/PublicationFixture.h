@@ -6,6 +6,7 @@
 
 #include <filesystem>
 
+#include "Places.h"
 #include "adapters/linux/EventLoop.h"
 #include "adapters/linux/LinuxFileSystem.h"
 #include "adapters/linux/LinuxProcesses.h"
@@ -26,7 +27,7 @@ namespace fs = std::filesystem;
 using host::FromUtf8;
 using host::ToUtf8;
 
-const std::string kInstall = KESTRUM_BIN_DIR;
+const std::string kInstall = places::kInstall;
 
 /// A lecture of 4 s with a key frame each second, open as a project, in a folder with blanks and Chinese.
 class PublicationTest : public testing::Test {

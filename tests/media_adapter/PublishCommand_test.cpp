@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "Places.h"
 #include "media/PackageSamples.h"
 #include "project/ProjectWorld.h"
 #include "real/ChildProcess.h"
@@ -15,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const std::string kProgram = std::string(KESTRUM_BIN_DIR) + "/kestrum";
+const std::string kProgram = std::string(places::kInstall) + "/kestrum";
 
 class PublishCommandTest : public testing::Test {
   protected:

@@ -12,6 +12,7 @@
 #include <functional>
 
 #include "../media/PackageSamples.h"
+#include "Places.h"
 #include "adapters/sim/World.h"
 #include "media/package/Package.h"
 #include "media/package/PackageMap.h"
@@ -24,7 +25,7 @@ using namespace test;
 namespace fs = std::filesystem;
 using Words = std::vector<std::string>;
 
-const std::string kProgram = std::string(KESTRUM_BIN_DIR) + "/kestrum";
+const std::string kProgram = std::string(places::kInstall) + "/kestrum";
 
 struct Outcome {
     int code = -1;
@@ -94,7 +95,7 @@ class VerifyProgramTest : public testing::Test {
                "</pos></item>";
     }
     std::string Project(const std::vector<std::string>& items, const std::string& duration) const {
-        std::string text = Text(std::string(KESTRUM_SOURCE_DIR) + "/install/default.ksp"), list;
+        std::string text = Text(std::string(places::kSource) + "/install/default.ksp"), list;
         for (const std::string& item : items) list += item;
         const std::string empty = R"(<index duration="00:00" type="OL"></index>)";
         const auto at = text.find(empty);

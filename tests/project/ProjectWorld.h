@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "Places.h"
 #include "adapters/sim/World.h"
 #include "project/Context.h"
 #include "support/modGlobal.h"
@@ -15,7 +16,7 @@ namespace kestrum::test {
 
 /// A file of the source tree's install folder.
 inline std::string InstallFile(const std::string& name) {
-    std::ifstream file(std::string(KESTRUM_SOURCE_DIR) + "/install/" + name, std::ios::binary);
+    std::ifstream file(std::string(places::kSource) + "/install/" + name, std::ios::binary);
     std::stringstream bytes;
     bytes << file.rdbuf();
     return bytes.str();

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "Places.h"
 #include "adapters/linux/LinuxFileSystem.h"
 #include "adapters/linux/LinuxProcesses.h"
 #include "adapters/qt/QtMessageBox.h"
@@ -29,7 +30,7 @@ class ExecCmdTest : public testing::Test {
     }
     /// The whole screen, for whoever wants to look.
     void KeepScreen() {
-        const std::string pictures = std::string(KESTRUM_BIN_DIR) + "/../screenshots";
+        const std::string pictures = std::string(places::kInstall) + "/../screenshots";
         std::filesystem::create_directories(pictures);
         EXPECT_TRUE(
             QGuiApplication::primaryScreen()->grabWindow(0).save(QString::fromStdString(pictures + "/frmExecCmd.png")));
@@ -44,13 +45,12 @@ class ExecCmdTest : public testing::Test {
     QtEventLoop loop{trace};
     QtPresenter qtPresenter{loop};
     QtMessageBox box{loop, u"Kestrum"};
-    host::Host realHost =
-        world.HostWith({.loop = &loop,
-                        .fs = &fs,
-                        .processes = &processes,
-                        .box = &box,
-                        .presenter = &qtPresenter,
-                        .installFolder = host::FromUtf8(std::string(KESTRUM_SOURCE_DIR) + "/install")});
+    host::Host realHost = world.HostWith({.loop = &loop,
+                                          .fs = &fs,
+                                          .processes = &processes,
+                                          .box = &box,
+                                          .presenter = &qtPresenter,
+                                          .installFolder = host::FromUtf8(std::string(places::kSource) + "/install")});
     support::State state;
     ui::Forms forms{qtPresenter, loop};
     support::Context c{realHost, forms, state};

@@ -5,6 +5,7 @@
 
 #include <filesystem>
 
+#include "Places.h"
 #include "adapters/qt/QtMessageBox.h"
 #include "adapters/qt/QtPresenter.h"
 #include "adapters/qt/QtText.h"
@@ -36,7 +37,7 @@ class ProductFormsTest : public testing::Test, protected test::PublishWorld {
     }
     /// A picture of the window as it is on the screen.
     void Keep(const ui::Form& form, const std::string& variant = {}) {
-        const std::string folder = std::string(KESTRUM_BIN_DIR) + "/../screenshots";
+        const std::string folder = std::string(places::kInstall) + "/../screenshots";
         std::filesystem::create_directories(folder);
         const QString name = QString::fromStdString(folder + "/") + ToQt(form.Name()) +
                              QString::fromStdString(variant) + QStringLiteral(".png");

@@ -10,6 +10,7 @@
 #include <QTest>
 #include <filesystem>
 
+#include "Places.h"
 #include "qt/ProductForms.h"
 #include "recording/frmMask1.h"
 #include "recording/frmRecStatus.h"
@@ -192,7 +193,7 @@ TEST_F(ProductFormsTest, Mp4Dialog_IsWorkedByTheKeyboardAlone) {
     Settle();
     EXPECT_FALSE(dialog.lTip.Visible()) << "leaving the box accepts the value";
     const QString name =
-        QString::fromStdString(std::string(KESTRUM_BIN_DIR) + "/../screenshots/frmExportMp4-custom.png");
+        QString::fromStdString(std::string(places::kInstall) + "/../screenshots/frmExportMp4-custom.png");
     WindowOf(dialog).grab().save(name);
     EXPECT_TRUE(DisplayRect().contains(WindowOf(dialog).geometry()));
     QTest::keyClick(&WindowOf(dialog), Qt::Key_Escape);

@@ -1,4 +1,5 @@
 #include "adapters/qt/QtMessageBox.h"
+#include "Places.h"
 
 #include <gtest/gtest.h>
 
@@ -86,7 +87,7 @@ TEST_F(QtMessageBoxTest, Timers_RunWhileItIsUp_AndTheTextIsPlain) {
     Ask(
         BoxButtons::YesNo,
         [&](QMessageBox& up) {
-            const std::string folder = std::string(KESTRUM_BIN_DIR) + "/../screenshots";
+            const std::string folder = std::string(places::kInstall) + "/../screenshots";
             std::filesystem::create_directories(folder);
             up.grab().save(QString::fromStdString(folder + "/message-box.png"));
             EXPECT_EQ(up.textFormat(), Qt::PlainText);

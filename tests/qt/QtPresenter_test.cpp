@@ -1,4 +1,5 @@
 #include "adapters/qt/QtPresenter.h"
+#include "Places.h"
 
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>
@@ -53,7 +54,7 @@ class QtPresenterTest : public testing::Test {
     }
 
     void Keep(const QWidget& widget, const std::string& name) {
-        const std::string folder = std::string(KESTRUM_BIN_DIR) + "/../screenshots";
+        const std::string folder = std::string(places::kInstall) + "/../screenshots";
         std::filesystem::create_directories(folder);
         EXPECT_TRUE(const_cast<QWidget&>(widget).grab().save(QString::fromStdString(folder + "/" + name)));
     }

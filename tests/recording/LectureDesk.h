@@ -9,6 +9,7 @@
 #include <iostream>
 #include <sstream>
 
+#include "Places.h"
 #include "adapters/sim/Scenario.h"
 #include "adapters/sim/World.h"
 #include "addin/Session.h"
@@ -18,7 +19,7 @@ namespace kestrum::test {
 using namespace std::chrono_literals;
 
 inline std::string InstallFile(const std::string& name) {
-    std::ifstream file(std::string(KESTRUM_SOURCE_DIR) + "/install/" + name, std::ios::binary);
+    std::ifstream file(std::string(places::kSource) + "/install/" + name, std::ios::binary);
     std::stringstream bytes;
     bytes << file.rdbuf();
     return bytes.str();

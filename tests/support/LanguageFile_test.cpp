@@ -8,6 +8,7 @@
 #include <set>
 #include <sstream>
 
+#include "Places.h"
 #include "SupportWorld.h"
 #include "support/frmMsgBox.h"
 #include "support/frmStatus.h"
@@ -29,7 +30,7 @@ std::string ReadAll(const fs::path& path) {
 /// All sources of the program: path below src/ to text.
 std::map<std::string, std::string> Sources() {
     std::map<std::string, std::string> sources;
-    const fs::path root = fs::path(KESTRUM_SOURCE_DIR) / "src";
+    const fs::path root = fs::path(places::kSource) / "src";
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
         const std::string extension = entry.path().extension().string();
         if (extension == ".cpp" || extension == ".h") {
@@ -42,7 +43,7 @@ std::map<std::string, std::string> Sources() {
 /// Section to keys of the installed file.
 std::map<std::string, std::set<std::string>> Entries() {
     std::map<std::string, std::set<std::string>> entries;
-    const std::string bytes = ReadAll(fs::path(KESTRUM_SOURCE_DIR) / "install" / "res.xml");
+    const std::string bytes = ReadAll(fs::path(places::kSource) / "install" / "res.xml");
     const modXml::Document document = modXml::Document::ParseBytes(bytes);
     for (const modXml::Node& section : document.Root().Children()) {
         std::set<std::string>& keys = entries[host::ToUtf8(section.Attribute(u"name").value())];
@@ -57,7 +58,7 @@ std::map<std::string, std::set<std::string>> Entries() {
 /// Section and key to text.
 std::map<std::string, std::map<std::string, std::string>> Texts() {
     std::map<std::string, std::map<std::string, std::string>> texts;
-    const std::string bytes = ReadAll(fs::path(KESTRUM_SOURCE_DIR) / "install" / "res.xml");
+    const std::string bytes = ReadAll(fs::path(places::kSource) / "install" / "res.xml");
     const modXml::Document document = modXml::Document::ParseBytes(bytes);
     for (const modXml::Node& section : document.Root().Children()) {
         for (const modXml::Node& entry : section.Children()) {
@@ -193,7 +194,7 @@ TEST_F(LanguageFileTest, HasNoTextWithAStrayMarkOrBlank) {
 }
 
 TEST_F(LanguageFileTest, StandsInOrder_SoThatTwoAuthorsMerge) {
-    const std::string bytes = ReadAll(fs::path(KESTRUM_SOURCE_DIR) / "install" / "res.xml");
+    const std::string bytes = ReadAll(fs::path(places::kSource) / "install" / "res.xml");
     const modXml::Document document = modXml::Document::ParseBytes(bytes);
     std::vector<String> sections;
     for (const modXml::Node& section : document.Root().Children()) {
@@ -208,7 +209,7 @@ TEST_F(LanguageFileTest, StandsInOrder_SoThatTwoAuthorsMerge) {
 class InstalledLanguageTest : public SupportTest {
   protected:
     InstalledLanguageTest() {
-        world.fs.Put(u"/opt/kestrum/res.xml", ReadAll(fs::path(KESTRUM_SOURCE_DIR) / "install" / "res.xml"));
+        world.fs.Put(u"/opt/kestrum/res.xml", ReadAll(fs::path(places::kSource) / "install" / "res.xml"));
     }
 };
 

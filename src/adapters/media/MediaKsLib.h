@@ -1,8 +1,8 @@
 // The media library over the worker. Decides what a request of the rules is in the worker's terms, which devices have
 // which names, and what a failure of the worker looks like to a caller that knows only numbers.
 //
-// Pen, canvas, whiteboard and mixer switches are not recorded or found by this worker: they answer as a library whose
-// machine has none of them.
+// Pen, canvas, whiteboard, mixer switches and test sounds are not recorded or found by this worker: they answer as a
+// library whose machine has none of them.
 #pragma once
 
 #include <memory>
@@ -62,6 +62,13 @@ class MediaKsLib : public host::IKsLib {
     std::int32_t MixerGet(std::int32_t) override { return 0; }
     void MixerSet(std::int32_t, std::int32_t) override {}
     std::int32_t GetAudioVolume() override { return m_worker.LastLevel(); }
+
+    void StartTestRecordAudio(const String&) override {}
+    void StopTestRecordAudio() override {}
+    std::int32_t GetTestRecordTime() override { return 0; }
+    void PlayTestAudio(const String&) override {}
+    void StopTestAudio() override {}
+    std::int32_t GetPlayTestTime() override { return -1; }
 
     std::int32_t GetLength(const String& package) override;
     std::int32_t GetFileHeaderDim(const String& package, std::int32_t& width, std::int32_t& height) override;

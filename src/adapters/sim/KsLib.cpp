@@ -244,7 +244,7 @@ void KsLib::CloseAVDevice() {
 
 String KsLib::CreateAudioMixer() {
     Line(u"CreateAudioMixer");
-    return u"Microphone";
+    return mixerSwitches;
 }
 
 void KsLib::DeleteAudioMixer() {

@@ -61,6 +61,13 @@ class KsLib : public host::IKsLib {
     void MixerSet(std::int32_t index, std::int32_t on) override;
     std::int32_t GetAudioVolume() override { return audioVolume; }
 
+    void StartTestRecordAudio(const String& file) override;
+    void StopTestRecordAudio() override;
+    std::int32_t GetTestRecordTime() override;
+    void PlayTestAudio(const String& file) override;
+    void StopTestAudio() override;
+    std::int32_t GetPlayTestTime() override;
+
     std::int32_t GetLength(const String& package) override;
     std::int32_t GetFileHeaderDim(const String& package, std::int32_t& width, std::int32_t& height) override;
     std::int32_t GetKeyframeDim(const String& package, std::int32_t& width, std::int32_t& height) override;
@@ -100,6 +107,7 @@ class KsLib : public host::IKsLib {
     /// Answer of AddKeyFrame in place of the true position; used once each.
     std::deque<std::int32_t> nextKeyFrames;
     String videoDevices, audioDevices = u"Microphone##0";
+    String mixerSwitches = u"Microphone";
     std::int32_t checkAVDevice = 3;
     std::int32_t volumeScale = 5, audioVolume = 0;
     bool pictureUniform = false;
@@ -131,6 +139,11 @@ class KsLib : public host::IKsLib {
     String m_lastRecovery;
     std::function<void(std::int32_t)> m_onLevel;
     std::map<std::int32_t, std::int32_t> m_mixer;
+
+    // The audio test: a file of n bytes lasts n milliseconds.
+    String m_testFile;
+    std::optional<std::int64_t> m_testRecordFrom, m_testPlayFrom;
+    std::int64_t m_testLength = 0;
 };
 
 }  // namespace kestrum::sim
