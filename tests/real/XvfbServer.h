@@ -14,14 +14,14 @@ namespace kestrum::real {
 
 class XvfbServer {
   public:
-    /// Starts a display of one screen, 24 bits deep, and waits until it answers. Throws if it does not.
-    explicit XvfbServer(int width = 640, int height = 480) {
+    /// Starts a display of one screen and waits until it answers. Throws if it does not.
+    explicit XvfbServer(int width = 640, int height = 480, int depth = 24) {
         int ends[2];
         if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("pipe failed");
         ChildProcess::Options options;
         options.quiet = true;
         options.inheritedFd = ends[1];
-        const std::string screen = std::to_string(width) + "x" + std::to_string(height) + "x24";
+        const std::string screen = std::to_string(width) + "x" + std::to_string(height) + "x" + std::to_string(depth);
         m_process = ChildProcess({"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0", screen, "-nolisten",
                                   "tcp", "-noreset", "-dpi", "96"},
                                  options);

@@ -36,13 +36,11 @@ xcb_screen_t* FindScreen(xcb_connection_t* connection, int number) {
     return screens.data;
 }
 
-void RequireTrueColour(xcb_connection_t* connection, const xcb_screen_t& screen) {
-    auto formats = xcb_setup_pixmap_formats_iterator(xcb_get_setup(connection));
-    for (; formats.rem; xcb_format_next(&formats)) {
-        if (formats.data->depth == screen.root_depth && formats.data->bits_per_pixel == 32) return;
-    }
+PixelFormat RequireFormat(xcb_connection_t* connection, const xcb_screen_t& screen) {
+    const auto format = PixelFormat::Of(connection, screen);
+    if (format) return *format;
     throw DisplayError("The display has a colour depth of " + std::to_string(screen.root_depth) +
-                       " bits; a recording needs 24 or 32.");
+                       " bits; a recording needs 16, 24 or 32.");
 }
 
 void RequireArea(const Area& area, const Area& screen) {
@@ -90,10 +88,9 @@ class Screen::Impl {
   public:
     Impl(const std::string& display, const Area& wanted)
         : area(wanted), connection(Connect(display, screenNumber)), screen(FindScreen(connection.get(), screenNumber)) {
-        RequireTrueColour(connection.get(), *screen);
+        const PixelFormat format = RequireFormat(connection.get(), *screen);
         RequireArea(area, RootArea(connection.get(), screen->root));
-        image = std::make_unique<SharedImage>(connection.get(), screen->root,
-                                              static_cast<std::size_t>(area.width) * area.height);
+        image = std::make_unique<SharedImage>(connection.get(), screen->root, format, area);
         WatchDrawing();
         WatchPointer();
         WatchMonitors();

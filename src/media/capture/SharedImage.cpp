@@ -15,9 +15,11 @@ bool HasExtension(xcb_connection_t* connection, xcb_extension_t* extension) {
 
 }  // namespace
 
-SharedImage::SharedImage(xcb_connection_t* connection, xcb_window_t root, std::size_t pixels)
-    : m_connection(connection), m_root(root) {
-    if (!HasExtension(connection, &xcb_shm_id) || !Attach(pixels * sizeof(std::uint32_t))) m_segment = 0;
+SharedImage::SharedImage(xcb_connection_t* connection, xcb_window_t root, const PixelFormat& format,
+                         const Area& largest)
+    : m_connection(connection), m_root(root), m_format(format) {
+    const std::size_t bytes = format.BytesOf(largest.width, largest.height);
+    if (!HasExtension(connection, &xcb_shm_id) || !Attach(bytes)) m_segment = 0;
 }
 
 SharedImage::~SharedImage() {
@@ -43,19 +45,27 @@ bool SharedImage::Attach(std::size_t bytes) {
 }
 
 const std::uint32_t* SharedImage::Read(const Area& area) {
+    const void* pixels = Fetch(area);
+    if (!pixels || m_format.IsDirect()) return static_cast<const std::uint32_t*>(pixels);
+    m_expanded.resize(static_cast<std::size_t>(area.width) * area.height);
+    m_format.Expand(static_cast<const std::uint8_t*>(pixels), area.width, area.height, m_expanded.data());
+    return m_expanded.data();
+}
+
+const void* SharedImage::Fetch(const Area& area) {
     const auto x = static_cast<std::int16_t>(area.x), y = static_cast<std::int16_t>(area.y);
     const auto width = static_cast<std::uint16_t>(area.width), height = static_cast<std::uint16_t>(area.height);
     if (m_segment) {
         const auto cookie = xcb_shm_get_image(m_connection, m_root, x, y, width, height, kAllPlanes,
                                               XCB_IMAGE_FORMAT_Z_PIXMAP, m_segment, 0);
         const auto reply = Own(xcb_shm_get_image_reply(m_connection, cookie, nullptr));
-        return reply ? static_cast<const std::uint32_t*>(m_memory) : nullptr;
+        return reply ? m_memory : nullptr;
     }
     const auto cookie = xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_root, x, y, width, height, kAllPlanes);
     m_reply = Own(xcb_get_image_reply(m_connection, cookie, nullptr));
-    const std::size_t needed = static_cast<std::size_t>(area.width) * area.height;
-    if (!m_reply || m_reply->length < needed) return nullptr;
-    return reinterpret_cast<const std::uint32_t*>(xcb_get_image_data(m_reply.get()));
+    const std::size_t needed = m_format.BytesOf(area.width, area.height);
+    if (!m_reply || m_reply->length * sizeof(std::uint32_t) < needed) return nullptr;
+    return xcb_get_image_data(m_reply.get());
 }
 
 }  // namespace kestrum::media

@@ -1,4 +1,4 @@
-// Pixels of the server, by shared memory where the display is on this machine, else over the connection.
+// Pixels of the server as 0x00RRGGBB, by shared memory where the display is on this machine, else over the connection.
 #pragma once
 
 #include <xcb/shm.h>
@@ -6,16 +6,18 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 #include "media/capture/Area.h"
+#include "media/capture/PixelFormat.h"
 #include "media/capture/XcbHandle.h"
 
 namespace kestrum::media {
 
 class SharedImage {
   public:
-    /// Makes room for areas of up to `pixels` pixels.
-    SharedImage(xcb_connection_t* connection, xcb_window_t root, std::size_t pixels);
+    /// Makes room for areas of up to the size of `largest`. `format` is that of the root window.
+    SharedImage(xcb_connection_t* connection, xcb_window_t root, const PixelFormat& format, const Area& largest);
     ~SharedImage();
     SharedImage(const SharedImage&) = delete;
     SharedImage& operator=(const SharedImage&) = delete;
@@ -26,9 +28,12 @@ class SharedImage {
 
   private:
     bool Attach(std::size_t bytes);
+    const void* Fetch(const Area& area);
 
     xcb_connection_t* m_connection;
     xcb_window_t m_root;
+    PixelFormat m_format;
+    std::vector<std::uint32_t> m_expanded;
     xcb_shm_seg_t m_segment = 0;
     void* m_memory = nullptr;
     XcbOwned<xcb_get_image_reply_t> m_reply;
