@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "adapters/linux/ModeChange.h"
+#include "adapters/linux/OutputModes.h"
 #include "real/XvfbServer.h"
 
 namespace kestrum::platform {

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <optional>
 #include <vector>
+
+#include "adapters/linux/OutputModes.h"
 
 namespace kestrum::platform {
 namespace {
@@ -37,11 +40,6 @@ class ServerGrab {
     X11Connection& m_display;
 };
 
-std::vector<xcb_randr_mode_info_t> AllModes(const Resources& resources) {
-    const auto* modes = xcb_randr_get_screen_resources_current_modes(resources.get());
-    return {modes, modes + xcb_randr_get_screen_resources_current_modes_length(resources.get())};
-}
-
 std::vector<Crtc> ActiveCrtcs(X11Connection& display, const Resources& resources) {
     std::vector<Crtc> crtcs;
     const auto* ids = xcb_randr_get_screen_resources_current_crtcs(resources.get());
@@ -62,19 +60,13 @@ std::vector<Crtc> ActiveCrtcs(X11Connection& display, const Resources& resources
     return crtcs;
 }
 
-/// A mode of `output` with the size, as near to `rate` as there is.
-std::optional<xcb_randr_mode_info_t> FindMode(X11Connection& display, const Resources& resources,
-                                              xcb_randr_output_t output, std::int32_t width, std::int32_t height,
-                                              std::int32_t rate) {
-    const XReply<xcb_randr_get_output_info_reply_t> info(xcb_randr_get_output_info_reply(
-        display.Get(), xcb_randr_get_output_info(display.Get(), output, XCB_CURRENT_TIME), nullptr));
-    if (!info) return std::nullopt;
-    const auto* own = xcb_randr_get_output_info_modes(info.get());
-    const auto* end = own + xcb_randr_get_output_info_modes_length(info.get());
-    std::optional<xcb_randr_mode_info_t> best;
-    for (const auto& mode : AllModes(resources)) {
-        if (mode.width != width || mode.height != height || std::find(own, end, mode.id) == end) continue;
-        const auto distance = [rate](const xcb_randr_mode_info_t& m) { return std::abs(RefreshRate(m) - rate); };
+/// The mode with the size, as near to the rate in force as there is.
+std::optional<OutputMode> FindMode(const OutputModes& modes, std::int32_t width, std::int32_t height) {
+    const std::int32_t rate = modes.inForce ? modes.inForce->rate : 0;
+    const auto distance = [rate](const OutputMode& mode) { return std::abs(mode.rate - rate); };
+    std::optional<OutputMode> best;
+    for (const OutputMode& mode : modes.all) {
+        if (mode.width != width || mode.height != height) continue;
         if (!best || distance(mode) < distance(*best)) best = mode;
     }
     return best;
@@ -123,15 +115,8 @@ bool Apply(X11Connection& display, const std::vector<Crtc>& before, const std::v
     return std::all_of(after.begin(), after.end(), [&](const Crtc& crtc) { return Configure(display, crtc, time); });
 }
 
-std::int32_t RateOf(const Resources& resources, xcb_randr_mode_t id) {
-    for (const auto& mode : AllModes(resources)) {
-        if (mode.id == id) return RefreshRate(mode);
-    }
-    return 0;
-}
-
 /// The layout with the new mode in place.
-std::vector<Crtc> Rearranged(std::vector<Crtc> crtcs, std::size_t changed, const xcb_randr_mode_info_t& mode) {
+std::vector<Crtc> Rearranged(std::vector<Crtc> crtcs, std::size_t changed, const OutputMode& mode) {
     const Crtc old = crtcs[changed];
     for (Crtc& crtc : crtcs) {
         if (crtc.x >= old.x + old.width) crtc.x += mode.width - old.width;
@@ -145,11 +130,6 @@ std::vector<Crtc> Rearranged(std::vector<Crtc> crtcs, std::size_t changed, const
 
 }  // namespace
 
-std::int32_t RefreshRate(const xcb_randr_mode_info_t& mode) {
-    const double total = static_cast<double>(mode.htotal) * mode.vtotal;
-    return total > 0 ? static_cast<std::int32_t>(std::lround(mode.dot_clock / total)) : 0;
-}
-
 bool ChangeOutputMode(X11Connection& display, xcb_randr_output_t output, std::int32_t width, std::int32_t height) {
     const ServerGrab grab(display);
     const Resources resources(xcb_randr_get_screen_resources_current_reply(
@@ -160,7 +140,7 @@ bool ChangeOutputMode(X11Connection& display, xcb_randr_output_t output, std::in
         return std::find(crtc.outputs.begin(), crtc.outputs.end(), output) != crtc.outputs.end();
     });
     if (driving == before.end()) return false;
-    const auto mode = FindMode(display, resources, output, width, height, RateOf(resources, driving->mode));
+    const auto mode = FindMode(ReadOutputModes(display, output), width, height);
     if (!mode) return false;
     const auto after = Rearranged(before, static_cast<std::size_t>(driving - before.begin()), *mode);
     if (Apply(display, before, after, resources->config_timestamp)) return true;

@@ -8,9 +8,6 @@
 
 namespace kestrum::platform {
 
-/// Refresh rate of a mode in hertz, to the nearest; 0 if the mode does not say.
-std::int32_t RefreshRate(const xcb_randr_mode_info_t& mode);
-
 /// Gives `output` a mode of this size, at the present refresh rate if there is one. False if it has none or the server
 /// refuses; the old layout is back then.
 bool ChangeOutputMode(X11Connection& display, xcb_randr_output_t output, std::int32_t width, std::int32_t height);

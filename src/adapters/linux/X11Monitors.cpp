@@ -80,53 +80,37 @@ String X11Monitors::MonitorName(host::MonitorHandle monitor) {
     return found ? host::FromUtf8(m_display.AtomName(static_cast<xcb_atom_t>(found->handle))) : String();
 }
 
-/// The monitor's present size as a mode comes first where no output tells its modes.
-std::vector<host::DisplayMode> X11Monitors::Modes(const Monitor& monitor) {
-    const std::int32_t bits = BitsPerPixel();
-    std::vector<host::DisplayMode> modes;
-    const XReply<xcb_randr_get_screen_resources_current_reply_t> resources(
-        monitor.output == 0
-            ? nullptr
-            : xcb_randr_get_screen_resources_current_reply(
-                  m_display.Get(), xcb_randr_get_screen_resources_current(m_display.Get(), m_display.Root()), nullptr));
-    const XReply<xcb_randr_get_output_info_reply_t> output(
-        monitor.output == 0
-            ? nullptr
-            : xcb_randr_get_output_info_reply(
-                  m_display.Get(), xcb_randr_get_output_info(m_display.Get(), monitor.output, XCB_CURRENT_TIME),
-                  nullptr));
-    if (resources && output) {
-        const auto* all = xcb_randr_get_screen_resources_current_modes(resources.get());
-        const int count = xcb_randr_get_screen_resources_current_modes_length(resources.get());
-        const auto* own = xcb_randr_get_output_info_modes(output.get());
-        for (int i = 0; i < xcb_randr_get_output_info_modes_length(output.get()); ++i) {
-            const auto* mode = std::find_if(all, all + count, [&](const auto& one) { return one.id == own[i]; });
-            if (mode != all + count) modes.push_back({mode->width, mode->height, bits, RefreshRate(*mode)});
-        }
-    }
-    if (modes.empty()) {
-        const host::Rect& rect = monitor.rect;
-        modes.push_back({rect.right - rect.left, rect.bottom - rect.top, bits, 0});
-    }
-    return modes;
+OutputModes X11Monitors::ModesOf(const Monitor& monitor) {
+    return monitor.output == 0 ? OutputModes() : ReadOutputModes(m_display, monitor.output);
+}
+
+host::DisplayMode X11Monitors::AsMode(const OutputMode& mode) {
+    return {mode.width, mode.height, BitsPerPixel(), mode.rate};
+}
+
+/// Where no output tells, the size of the monitor is its one mode.
+host::DisplayMode X11Monitors::OnlyMode(const Monitor& monitor) {
+    const host::Rect& rect = monitor.rect;
+    return {rect.right - rect.left, rect.bottom - rect.top, BitsPerPixel(), 0};
 }
 
 std::optional<host::DisplayMode> X11Monitors::CurrentMode(host::MonitorHandle monitor) {
     const auto found = Find(monitor);
     if (!found) return std::nullopt;
-    const std::int32_t width = found->rect.right - found->rect.left, height = found->rect.bottom - found->rect.top;
-    for (const host::DisplayMode& mode : Modes(*found)) {
-        if (mode.width == width && mode.height == height) return mode;
-    }
-    return host::DisplayMode{width, height, BitsPerPixel(), 0};
+    const host::DisplayMode byPlace = OnlyMode(*found);
+    const auto inForce = ModesOf(*found).inForce;
+    if (!inForce) return byPlace;
+    // An output may be a part of a larger monitor, or be scaled: the desktop's size is what is seen.
+    return host::DisplayMode{byPlace.width, byPlace.height, byPlace.bitsPerPixel, inForce->rate};
 }
 
 std::optional<host::DisplayMode> X11Monitors::EnumerateMode(host::MonitorHandle monitor, std::int32_t index) {
     const auto found = Find(monitor);
     if (!found || index < 0) return std::nullopt;
-    const auto modes = Modes(*found);
+    const auto modes = ModesOf(*found).all;
+    if (modes.empty() && index == 0) return OnlyMode(*found);
     if (static_cast<std::size_t>(index) >= modes.size()) return std::nullopt;
-    return modes[static_cast<std::size_t>(index)];
+    return AsMode(modes[static_cast<std::size_t>(index)]);
 }
 
 bool X11Monitors::ChangeMode(host::MonitorHandle monitor, std::int32_t width, std::int32_t height) {

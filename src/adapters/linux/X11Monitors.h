@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "adapters/linux/OutputModes.h"
 #include "adapters/linux/X11Connection.h"
 #include "host/IMonitors.h"
 
@@ -42,7 +43,9 @@ class X11Monitors : public host::IMonitors {
     std::vector<Monitor> List();
     /// Handle 0 is the primary monitor, or the first.
     std::optional<Monitor> Find(host::MonitorHandle monitor);
-    std::vector<host::DisplayMode> Modes(const Monitor& monitor);
+    OutputModes ModesOf(const Monitor& monitor);
+    host::DisplayMode AsMode(const OutputMode& mode);
+    host::DisplayMode OnlyMode(const Monitor& monitor);
 
     X11Connection& m_display;
     bool m_hasRandr = false;
