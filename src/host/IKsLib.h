@@ -36,6 +36,13 @@ struct StoredFiles {
     String indexText;
 };
 
+/// A device of a running recording was lost, and the recording goes on without it; or it is back.
+struct DeviceNotice {
+    bool isCamera = false;
+    bool isBack = false;
+    String device;  ///< under the name that people choose it by
+};
+
 class IKsLib {
   public:
     virtual ~IKsLib() = default;
@@ -78,6 +85,10 @@ class IKsLib {
     virtual bool WriteIndexJournal(const String& journal) = 0;
     /// `onLevel` gets the audio level 0 to 100 on the core's thread from a pump; an empty function ends it.
     virtual void SetVolumeMeter(std::function<void(std::int32_t)> onLevel) = 0;
+    /// `onNotice` is called on the core's thread from a pump, from the opening of the devices to the stop; an empty
+    /// function ends it. Where the sound is lost silence is recorded, and the same device is taken again when it is
+    /// back.
+    virtual void SetDeviceNotice(std::function<void(const DeviceNotice&)> onNotice) = 0;
     /// True if every pixel of the rectangle has one colour, as a screen that cannot be captured shows it.
     virtual bool IsPictureUniform(const Rect& area) = 0;
 
@@ -105,14 +116,15 @@ class IKsLib {
     virtual std::int32_t CheckAVDevice(std::uint64_t window, std::int32_t width, std::int32_t height,
                                        const String& videoDevice) = 0;
     virtual void CloseAVDevice() = 0;
-    /// Names of the record line's switches, separated by ";".
+    /// Names of the record line's switches, separated by ";"; the mixer is that of the microphone set before.
     virtual String CreateAudioMixer() = 0;
     virtual void DeleteAudioMixer() = 0;
     virtual std::int32_t GetVolumeScale() = 0;                   ///< 0 to 10; below 0 is failure
     virtual std::int32_t SetVolumeScale(std::int32_t step) = 0;  ///< non-zero is success
     virtual std::int32_t MixerGet(std::int32_t index) = 0;
     virtual void MixerSet(std::int32_t index, std::int32_t on) = 0;
-    virtual std::int32_t GetAudioVolume() = 0;  ///< 0 to 100
+    /// 0 to 100, while the devices are open for a preview or a recording runs; 5 or less is silence.
+    virtual std::int32_t GetAudioVolume() = 0;
 
     // --- Audio test: a few seconds recorded into a raw file and played back ----------------------------------------
 

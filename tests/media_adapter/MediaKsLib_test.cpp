@@ -232,7 +232,7 @@ TEST_F(MediaKsLibTest, Devices_AreNamedForPeopleAndTwinsAreNumbered) {
               0);
     String devices;
     ASSERT_EQ(m_lib.ksQueryAudioDevice(devices), 1);
-    EXPECT_EQ(devices, u"Microphone##AUDIO_&&_Microphone (2)##AUDIO");
+    EXPECT_EQ(devices, u"Microphone##0_&&_Microphone (2)##0");
     EXPECT_NE(m_lib.ksSetAudioDevice(u"Microphone (2)"), 0);
     EXPECT_EQ(m_lib.ksSetAudioDevice(u"Microphone (3)"), 0);
     MediaRecSystemAudio system(m_worker);

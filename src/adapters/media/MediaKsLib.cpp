@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "adapters/media/AudioQuality.h"
-#include "adapters/media/SoundNames.h"
 
 namespace kestrum::adapters {
 
@@ -44,11 +43,6 @@ MediaKsLib::MediaKsLib(WorkerLink& worker) : m_worker(worker) {}
 
 // --- Recording -----------------------------------------------------------------------------------------------------
 
-std::int32_t MediaKsLib::ksResetAVDevice() {
-    m_microphone.clear();
-    return m_worker.Ask<Number>(Kind::kHello, Nothing{}) ? 1 : 0;
-}
-
 std::int32_t MediaKsLib::EncoderState() {
     if (!m_isRecording) {
         if (m_stateAtEnd != 0) return m_stateAtEnd;
@@ -80,18 +74,10 @@ void MediaKsLib::EnableRecSystemAudio(std::int32_t enable) {
     m_recordSystemSound = enable != 0;
 }
 
-std::vector<std::string> MediaKsLib::ChosenSources() {
-    std::vector<std::string> sources;
-    if (!m_microphone.empty()) sources.push_back(m_microphone);
-    if (!m_recordSystemSound) return sources;
-    if (const auto system = FindSystemSound(m_worker)) sources.push_back(*system);
-    return sources;
-}
-
 bool MediaKsLib::OpenDevices() {
-    const wire::Settings settings{m_area, m_framesPerSecond, ChosenSources(), 0, KbpsOfProject(m_files.projectFile)};
+    const wire::Settings settings{
+        m_area, m_framesPerSecond, ChosenSources(), 0, KbpsOfProject(m_files.projectFile), ChosenCamera()};
     if (settings.soundSources.empty()) return false;
-    m_worker.Ask<Nothing>(Kind::kSendLevels, Number{m_sendLevels});
     return m_worker.Ask<Nothing>(Kind::kOpen, settings).has_value();
 }
 
@@ -144,53 +130,13 @@ bool MediaKsLib::WriteIndexJournal(const String& journal) {
 }
 
 void MediaKsLib::SetVolumeMeter(std::function<void(std::int32_t)> onLevel) {
-    m_sendLevels = static_cast<bool>(onLevel);
     m_worker.OnLevel(std::move(onLevel));
-    if (m_worker.IsAlive()) m_worker.Ask<Nothing>(Kind::kSendLevels, Number{m_sendLevels});
 }
 
 bool MediaKsLib::IsPictureUniform(const host::Rect& area) {
     const wire::Probe probe{{}, area.left, area.top, area.right - area.left, area.bottom - area.top};
     const auto answer = m_worker.Ask<wire::Uniformity>(Kind::kProbe, probe);
     return answer && answer->isUniform != 0;
-}
-
-// --- Devices -------------------------------------------------------------------------------------------------------
-
-std::int32_t MediaKsLib::ksQueryVideoDevice(String& devices) {
-    devices.clear();
-    return 0;
-}
-
-std::int32_t MediaKsLib::ksQueryAudioDevice(String& devices) {
-    const auto microphones = ListMicrophones(m_worker);
-    if (microphones.empty()) return 0;
-    devices = DeviceText(microphones);
-    return 1;
-}
-
-std::int32_t MediaKsLib::ksSetVideoDevice(const String&) {
-    return 0;
-}
-
-std::int32_t MediaKsLib::ksSetAudioDevice(const String& name) {
-    for (const auto& microphone : ListMicrophones(m_worker)) {
-        if (microphone.shownName != ToUtf8(name)) continue;
-        m_microphone = microphone.serverName;
-        return 1;
-    }
-    return 0;
-}
-
-std::int32_t MediaKsLib::CheckAVDevice(std::uint64_t, std::int32_t, std::int32_t, const String& videoDevice) {
-    constexpr std::int32_t kNoSound = -1, kNoVideo = 1, kBoth = 3;
-    m_devicesOpen = OpenDevices();
-    if (!m_devicesOpen) return kNoSound;
-    return videoDevice.empty() ? kBoth : kNoVideo;
-}
-
-void MediaKsLib::CloseAVDevice() {
-    EncoderCloseDevice();
 }
 
 // --- The package ---------------------------------------------------------------------------------------------------

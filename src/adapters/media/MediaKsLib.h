@@ -1,15 +1,16 @@
 // The media library over the worker. Decides what a request of the rules is in the worker's terms, which devices have
 // which names, and what a failure of the worker looks like to a caller that knows only numbers.
 //
-// Pen, canvas, whiteboard, mixer switches and test sounds are not recorded or found by this worker: they answer as a
-// library whose machine has none of them.
+// Pen, canvas and whiteboard are not drawn by this worker: they answer as a library whose machine has none of them.
 #pragma once
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "adapters/media/DeviceNames.h"
 #include "adapters/media/WorkerLink.h"
 #include "host/IKsLib.h"
 
@@ -36,6 +37,7 @@ class MediaKsLib : public host::IKsLib {
     std::int32_t AddKeyFrame() override;
     bool WriteIndexJournal(const String& journal) override;
     void SetVolumeMeter(std::function<void(std::int32_t)> onLevel) override;
+    void SetDeviceNotice(std::function<void(const host::DeviceNotice&)> onNotice) override;
     bool IsPictureUniform(const host::Rect& area) override;
 
     void StartDraw() override {}
@@ -55,20 +57,20 @@ class MediaKsLib : public host::IKsLib {
     std::int32_t CheckAVDevice(std::uint64_t window, std::int32_t width, std::int32_t height,
                                const String& videoDevice) override;
     void CloseAVDevice() override;
-    String CreateAudioMixer() override { return {}; }
+    String CreateAudioMixer() override;
     void DeleteAudioMixer() override {}
-    std::int32_t GetVolumeScale() override { return -1; }
-    std::int32_t SetVolumeScale(std::int32_t) override { return 0; }
-    std::int32_t MixerGet(std::int32_t) override { return 0; }
-    void MixerSet(std::int32_t, std::int32_t) override {}
+    std::int32_t GetVolumeScale() override;
+    std::int32_t SetVolumeScale(std::int32_t step) override;
+    std::int32_t MixerGet(std::int32_t index) override;
+    void MixerSet(std::int32_t index, std::int32_t on) override;
     std::int32_t GetAudioVolume() override { return m_worker.LastLevel(); }
 
-    void StartTestRecordAudio(const String&) override {}
-    void StopTestRecordAudio() override {}
-    std::int32_t GetTestRecordTime() override { return 0; }
-    void PlayTestAudio(const String&) override {}
-    void StopTestAudio() override {}
-    std::int32_t GetPlayTestTime() override { return -1; }
+    void StartTestRecordAudio(const String& file) override;
+    void StopTestRecordAudio() override;
+    std::int32_t GetTestRecordTime() override;
+    void PlayTestAudio(const String& file) override;
+    void StopTestAudio() override;
+    std::int32_t GetPlayTestTime() override;
 
     std::int32_t GetLength(const String& package) override;
     std::int32_t GetFileHeaderDim(const String& package, std::int32_t& width, std::int32_t& height) override;
@@ -90,7 +92,10 @@ class MediaKsLib : public host::IKsLib {
   private:
     std::int32_t AskNumber(wire::Kind kind, const String& package, std::int32_t fallback);
     bool OpenDevices();
+    std::string Choose(const std::vector<NamedDevice>& devices, const String& name);
     std::vector<std::string> ChosenSources();
+    wire::CameraChoice ChosenCamera() const;
+    std::optional<wire::Volume> MicrophoneVolume();
     void NoteRecovery(const wire::Recovery& recovery);
 
     WorkerLink& m_worker;
@@ -100,8 +105,9 @@ class MediaKsLib : public host::IKsLib {
     bool m_recordSystemSound = false;
     std::int32_t m_framesPerSecond = 10;
     wire::Probe m_area;
-    std::string m_microphone;  ///< as the sound server knows it
-    bool m_sendLevels = false;
+    std::string m_microphone;                         ///< as the sound server knows it; empty until it is chosen
+    std::string m_camera;                             ///< as the worker knows it; empty: none
+    std::map<std::string, std::string> m_shownNames;  ///< of the devices chosen, for the notices about them
 
     // The job.
     wire::PackageFiles m_files;

@@ -1,6 +1,6 @@
 #include "adapters/media/MediaRecSystemAudio.h"
 
-#include "adapters/media/SoundNames.h"
+#include "adapters/media/DeviceNames.h"
 
 namespace kestrum::adapters {
 

@@ -30,6 +30,7 @@ WorkerLink::WorkerLink(std::string program, host::IEventLoop& loop) : m_program(
 
 WorkerLink::~WorkerLink() {
     m_levelSink->call = nullptr;
+    m_deviceSink->call = nullptr;
     m_progressSink->call = nullptr;
     StopReader();
 }
@@ -70,6 +71,9 @@ void WorkerLink::Take(wire::Message message) {
     if (message.kind == wire::Kind::kLevel) {
         return TakeLevel(static_cast<std::int32_t>(wire::Unpack<wire::Number>(message.body).value));
     }
+    if (message.kind == wire::Kind::kDevice) {
+        return TakeDeviceChange(wire::Unpack<wire::DeviceChange>(message.body));
+    }
     if (message.kind == wire::Kind::kProgress) {
         return PassOn(m_progressSink, static_cast<std::int32_t>(wire::Unpack<wire::Number>(message.body).value));
     }
@@ -90,6 +94,7 @@ void WorkerLink::GiveUp() {
     {
         const std::lock_guard lock(m_mutex);
         m_isAlive = false;
+        m_level = 0;
         for (auto& [id, pending] : m_pending) pending->isDone = true;
         m_pending.clear();
     }
@@ -109,6 +114,16 @@ void WorkerLink::PassOn(const NumberSinkPtr& sink, std::int32_t value) {
         sink->isPosted = false;
         if (const auto call = sink->call) call(sink->value);
     });
+}
+
+void WorkerLink::TakeDeviceChange(wire::DeviceChange change) {
+    m_loop.Post([sink = m_deviceSink, change = std::move(change)] {
+        if (const auto call = sink->call) call(change);
+    });
+}
+
+void WorkerLink::OnDeviceChange(std::function<void(const wire::DeviceChange&)> onChange) {
+    m_deviceSink->call = std::move(onChange);
 }
 
 void WorkerLink::OnProgress(std::function<void(std::int32_t)> onProgress) {

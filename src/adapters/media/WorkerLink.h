@@ -49,9 +49,12 @@ class WorkerLink {
     /// Why the last request that failed was refused; an empty sentence if the worker died or did not answer.
     const wire::Failure& LastFailure() const { return m_lastFailure; }
 
-    /// Called on the core's thread with the peak of the sound, 0 to 100; the last one if several came meanwhile.
+    /// Called on the core's thread with the level of the sound, 0 to 100; the last one if several came meanwhile.
     void OnLevel(std::function<void(std::int32_t)> onLevel);
     std::int32_t LastLevel() const { return m_level; }
+    /// Called on the core's thread for each device of the recording that was lost or is back; an empty function ends
+    /// it.
+    void OnDeviceChange(std::function<void(const wire::DeviceChange&)> onChange);
     /// Called on the core's thread with the percentage of the request that AskPumping waits for; an empty function ends
     /// it.
     void OnProgress(std::function<void(std::int32_t)> onProgress);
@@ -85,6 +88,7 @@ class WorkerLink {
     void ReadAnswers(std::shared_ptr<wire::Channel> channel, pid_t pid);
     void Take(wire::Message message);
     void TakeLevel(std::int32_t level);
+    void TakeDeviceChange(wire::DeviceChange change);
     void GiveUp();
 
     const std::string m_program;
@@ -109,6 +113,11 @@ class WorkerLink {
     };
     using NumberSinkPtr = std::shared_ptr<NumberSink>;
     void PassOn(const NumberSinkPtr& sink, std::int32_t value);
+
+    struct DeviceSink {
+        std::function<void(const wire::DeviceChange&)> call;
+    };
+    std::shared_ptr<DeviceSink> m_deviceSink = std::make_shared<DeviceSink>();
 
     NumberSinkPtr m_levelSink = std::make_shared<NumberSink>();
     NumberSinkPtr m_progressSink = std::make_shared<NumberSink>();

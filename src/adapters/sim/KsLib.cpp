@@ -159,6 +159,10 @@ void KsLib::SetVolumeMeter(std::function<void(std::int32_t)> onLevel) {
     m_onLevel = std::move(onLevel);
 }
 
+void KsLib::SetDeviceNotice(std::function<void(const host::DeviceNotice&)> onNotice) {
+    m_onNotice = std::move(onNotice);
+}
+
 bool KsLib::IsPictureUniform(const host::Rect&) {
     return pictureUniform;
 }
@@ -172,6 +176,12 @@ void KsLib::Crash() {
 void KsLib::SendLevel(std::int32_t level) {
     m_loop.Post([this, level] {
         if (auto onLevel = m_onLevel) onLevel(level);
+    });
+}
+
+void KsLib::SendNotice(const host::DeviceNotice& notice) {
+    m_loop.Post([this, notice] {
+        if (auto onNotice = m_onNotice) onNotice(notice);
     });
 }
 

@@ -34,6 +34,7 @@ class KsLib : public host::IKsLib {
     std::int32_t AddKeyFrame() override;
     bool WriteIndexJournal(const String& journal) override;
     void SetVolumeMeter(std::function<void(std::int32_t)> onLevel) override;
+    void SetDeviceNotice(std::function<void(const host::DeviceNotice&)> onNotice) override;
     bool IsPictureUniform(const host::Rect& area) override;
 
     void StartDraw() override;
@@ -96,6 +97,8 @@ class KsLib : public host::IKsLib {
     void Crash();
     /// Sends an audio level through the meter, from the next pump.
     void SendLevel(std::int32_t level);
+    /// A device is lost or back, told from the next pump.
+    void SendNotice(const host::DeviceNotice& notice);
     bool Running() const { return m_running; }
 
     /// States that the next reads of EncoderState give, then it gives the usual one again.
@@ -138,6 +141,7 @@ class KsLib : public host::IKsLib {
     Package m_current;
     String m_lastRecovery;
     std::function<void(std::int32_t)> m_onLevel;
+    std::function<void(const host::DeviceNotice&)> m_onNotice;
     std::map<std::int32_t, std::int32_t> m_mixer;
 
     // The audio test: a file of n bytes lasts n milliseconds.

@@ -60,6 +60,10 @@ class Recorder::Impl {
         m_input.reset();
         auto input = std::make_unique<SoundInput>(m_settings.soundSources, layout);
         input->Open();
+        input->Settle();
+        input->OnChange([this](const std::string& source, bool isBack) {
+            if (onDeviceChange) onDeviceChange({source, false, isBack});
+        });
         m_input = std::move(input);
     }
 
@@ -121,6 +125,8 @@ class Recorder::Impl {
     }
 
     std::optional<RecoveryReport> recovered;
+
+    DeviceChangeSink onDeviceChange;
 
   private:
     void RequireFit(const std::optional<TrackConfigs>& existing) const {
@@ -191,6 +197,9 @@ Recorder::Recorder(RecorderSettings settings, LevelSink onLevel)
 Recorder::~Recorder() = default;
 void Recorder::OpenSound() {
     m_impl->OpenSoundAhead();
+}
+void Recorder::OnDeviceChange(DeviceChangeSink onChange) {
+    m_impl->onDeviceChange = std::move(onChange);
 }
 void Recorder::Start(const std::string& package, const StoredPaths& files) {
     m_impl->Start(package, files);

@@ -37,12 +37,23 @@ struct RecorderStatistics {
     bool soundComplete = true;   ///< false while a source is lost and silence stands for it
 };
 
+/// A device of a running recording was lost, or is back.
+struct DeviceChange {
+    std::string name;  ///< as in the settings
+    bool isCamera = false;
+    bool isBack = false;
+};
+using DeviceChangeSink = std::function<void(const DeviceChange&)>;
+
 class Recorder {
   public:
-    /// Gets the peak of the sound, 0 to 100, about 20 times a second, on a thread of the recorder.
+    /// Gets the level of the sound (LevelMeter.h), 0 to 100, about 20 times a second, on a thread of the recorder.
     using LevelSink = std::function<void(int)>;
 
     explicit Recorder(RecorderSettings settings, LevelSink onLevel);
+    /// `onChange` gets each device that was lost while the recording ran, and each that is back, on a thread of the
+    /// recorder. Call it before Start.
+    void OnDeviceChange(DeviceChangeSink onChange);
     /// A recording that runs is left as after its last flush; call Stop.
     ~Recorder();
     Recorder(const Recorder&) = delete;

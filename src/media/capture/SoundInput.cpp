@@ -61,12 +61,21 @@ class Source {
                                PA_STREAM_AUTO_TIMING_UPDATE;
         pa_stream_connect_record(m_stream.get(), m_name.c_str(), &buffer, static_cast<pa_stream_flags_t>(kFlags));
         m_lastDataNs = MonotonicNs();
+        m_hasSound = false;
     }
     void Disconnect() {
         m_stream.reset();
         m_clock.Interrupted();
     }
     bool IsStalled(std::int64_t nowNs) const { return nowNs - m_lastDataNs > kStallNs; }
+    bool IsPresent() const { return m_isPresent; }
+    /// Looks whether the source gives sound now; true if that has changed.
+    bool UpdatePresence(std::int64_t nowNs) {
+        const bool gives = IsReady() && !IsStalled(nowNs);
+        // A connection that is back is believed with the first sound only.
+        const bool isPresent = m_isPresent ? gives : gives && m_hasSound;
+        return std::exchange(m_isPresent, isPresent) != isPresent;
+    }
 
   private:
     void Read() {
@@ -83,6 +92,7 @@ class Source {
         pa_usec_t latency = 0;
         int isNegative = 0;
         m_lastDataNs = MonotonicNs();
+        m_hasSound = true;
         if (pa_stream_get_latency(m_stream.get(), &latency, &isNegative) != 0) return;
         m_hasAge = true;
         m_ageNs = static_cast<std::int64_t>(latency) * 1000 * (isNegative ? -1 : 1);
@@ -96,6 +106,8 @@ class Source {
     std::int64_t m_lastDataNs = 0;
     std::int64_t m_ageNs = 0;
     bool m_hasAge = false;
+    bool m_hasSound = false;  ///< since the last connection
+    bool m_isPresent = true;
     std::unique_ptr<pa_stream, StreamDeleter> m_stream;
 };
 
@@ -119,6 +131,9 @@ class SoundInput::Impl {
             throw CaptureError(CaptureErrorKind::kNoSound,
                                "The sound source \"" + source->Name() + "\" cannot be opened.");
         }
+    }
+
+    void Settle() {
         PumpUntil(kSettleTimeoutMs, [this] {
             return std::all_of(m_sources.begin(), m_sources.end(),
                                [](const auto& source) { return source->IsSettled(); });
@@ -132,12 +147,13 @@ class SoundInput::Impl {
     void Pump(int timeoutMs) {
         pulse->Pump(timeoutMs);
         const std::int64_t now = MonotonicNs();
-        if (now >= m_nextRetryNs && !IsComplete()) {
+        if (now >= m_nextRetryNs && !IsConnected()) {
             m_nextRetryNs = now + kRetryNs;
             Reconnect();
         }
         for (auto& source : m_sources) {
             if (!source->IsReady() || source->IsStalled(now)) source->Clock().FillTo(now - kSilenceLagNs);
+            if (source->UpdatePresence(now) && onChange) onChange(source->Name(), source->IsPresent());
         }
     }
 
@@ -161,12 +177,17 @@ class SoundInput::Impl {
     }
 
     bool IsComplete() const {
-        return std::all_of(m_sources.begin(), m_sources.end(), [](const auto& source) { return source->IsReady(); });
+        return std::all_of(m_sources.begin(), m_sources.end(), [](const auto& source) { return source->IsPresent(); });
     }
 
     std::unique_ptr<PulseConnection> pulse;
+    ChangeSink onChange;
 
   private:
+    bool IsConnected() const {
+        return std::all_of(m_sources.begin(), m_sources.end(), [](const auto& source) { return source->IsReady(); });
+    }
+
     void PumpUntil(int timeoutMs, const std::function<bool()>& done) {
         const std::int64_t end = MonotonicNs() + timeoutMs * kNsPerMs;
         while (!done() && MonotonicNs() < end) pulse->Pump(20);
@@ -195,6 +216,12 @@ SoundInput::SoundInput(std::vector<std::string> sources, const AudioLayout& layo
 SoundInput::~SoundInput() = default;
 void SoundInput::Open() {
     m_impl->Open();
+}
+void SoundInput::Settle() {
+    m_impl->Settle();
+}
+void SoundInput::OnChange(ChangeSink onChange) {
+    m_impl->onChange = std::move(onChange);
 }
 void SoundInput::Start(std::int64_t startNs) {
     m_impl->Start(startNs);

@@ -1,11 +1,12 @@
 // The sound sources of a recording, each read on the recording's own time line and mixed into one stream. Decides what
 // happens when a source goes: its place is filled with silence while it is looked for once a second; it is never
-// exchanged for another one.
+// exchanged for another one. Whoever records is told of each loss and each return.
 //
 // All functions run on one thread.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -25,6 +26,8 @@ class SoundInput {
     /// Opens all sources and waits up to 5 s until they run. Throws CaptureError (kNoSound) naming the one that does
     /// not.
     void Open();
+    /// Waits up to 4 s until the age of the samples can be believed, without which they cannot be placed exactly.
+    void Settle();
     /// The recording begins at this moment.
     void Start(std::int64_t startNs);
     /// Waits up to `timeoutMs` for sound and reads it; looks after lost sources.
@@ -33,8 +36,11 @@ class SoundInput {
     void TakeMixed(std::vector<float>& out);
     /// Appends silence up to this moment to whatever is behind it.
     void FillTo(std::int64_t ns);
-    /// Every source is there.
+    /// Every source is there and gives sound.
     bool IsComplete() const;
+    /// `onChange` is called by Pump with the name of a source that was lost, or has given sound again.
+    using ChangeSink = std::function<void(const std::string& source, bool isBack)>;
+    void OnChange(ChangeSink onChange);
 
   private:
     class Impl;

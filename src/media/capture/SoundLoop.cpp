@@ -11,13 +11,16 @@ namespace kestrum::media {
 namespace {
 
 constexpr int kPumpMs = 50;
-constexpr int kLevelsPerSecond = 20;
 constexpr std::int64_t kEndPatienceNs = kNsPerSecond / 2;
 
 }  // namespace
 
 SoundLoop::SoundLoop(SoundInput& input, const AudioLayout& layout, std::function<void(int)> onLevel)
-    : m_input(input), m_layout(layout), m_encoder(layout), m_onLevel(std::move(onLevel)) {}
+    : m_input(input),
+      m_layout(layout),
+      m_encoder(layout),
+      m_meter(layout.rate, layout.channels),
+      m_onLevel(std::move(onLevel)) {}
 
 SoundLoop::~SoundLoop() {
     if (m_thread.joinable()) Stop(MonotonicNs());
@@ -59,7 +62,7 @@ void SoundLoop::Take() {
 }
 
 void SoundLoop::Encode() {
-    TellLevel(m_samples);
+    if (const auto level = m_meter.Push(m_samples); level && m_onLevel) m_onLevel(*level);
     m_framesTaken += static_cast<std::int64_t>(m_samples.size()) / m_layout.channels;
     m_encoder.Encode(m_samples, Output());
     m_samples.clear();
@@ -72,6 +75,7 @@ void SoundLoop::Finish() {
     if (static_cast<std::int64_t>(m_samples.size()) > room) m_samples.resize(static_cast<std::size_t>(room));
     Encode();
     m_encoder.Finish(Output());
+    if (m_onLevel) m_onLevel(0);
 }
 
 AudioEncoder::Output SoundLoop::Output() {
@@ -80,15 +84,6 @@ AudioEncoder::Output SoundLoop::Output() {
         m_bytes += static_cast<std::int64_t>(unit.size());
         m_feeder->PushAudio(m_startMs + ms, media::Bytes(unit.begin(), unit.end()));
     };
-}
-
-void SoundLoop::TellLevel(const std::vector<float>& samples) {
-    for (const float sample : samples) m_peak = std::max(m_peak, std::abs(sample));
-    m_peakFrames += static_cast<std::int64_t>(samples.size()) / m_layout.channels;
-    if (m_peakFrames < m_layout.rate / kLevelsPerSecond) return;
-    if (m_onLevel) m_onLevel(static_cast<int>(std::lround(std::min(m_peak, 1.0F) * 100)));
-    m_peak = 0;
-    m_peakFrames = 0;
 }
 
 }  // namespace kestrum::media

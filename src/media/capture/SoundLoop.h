@@ -9,6 +9,7 @@
 
 #include "media/capture/AudioEncoder.h"
 #include "media/capture/EncoderState.h"
+#include "media/capture/LevelMeter.h"
 #include "media/capture/PackageFeeder.h"
 #include "media/capture/SoundInput.h"
 
@@ -35,20 +36,18 @@ class SoundLoop {
     void Finish();
     void Encode();
     AudioEncoder::Output Output();
-    void TellLevel(const std::vector<float>& samples);
     std::int64_t FrameAt(std::int64_t ns) const;
 
     SoundInput& m_input;
     const AudioLayout m_layout;
     AudioEncoder m_encoder;
+    LevelMeter m_meter;
     const std::function<void(int)> m_onLevel;
     PackageFeeder* m_feeder = nullptr;
     std::int64_t m_startMs = 0;
     std::int64_t m_startNs = 0;
     std::vector<float> m_samples;
     std::int64_t m_framesTaken = 0;
-    float m_peak = 0;
-    std::int64_t m_peakFrames = 0;
     std::atomic<std::int64_t> m_endNs{0};  ///< 0 while running
     std::atomic<bool> m_isComplete{true};
     std::atomic<std::int64_t> m_bytes{0};

@@ -17,21 +17,35 @@ enum class Kind : std::uint16_t {
     // Answers and events
     kDone = 1,
     kFailed = 2,
-    kLevel = 3,     ///< event: Number, peak of the sound 0 to 100
+    kLevel = 3,     ///< event: Number, level of the sound 0 to 100, while a recording or a preview runs
     kProgress = 4,  ///< event with the id of its request: Number, percent
+    kDevice = 5,    ///< event: DeviceChange, a device of the running recording was lost or is back
 
     // Recording
-    kHello = 16,       ///< Nothing -> Number (kVersion)
-    kListSound = 17,   ///< Nothing -> SoundList
-    kProbe = 18,       ///< Probe -> Uniformity
-    kOpen = 19,        ///< Settings -> Nothing: opens the sound, so that kStart waits for nothing
-    kClose = 20,       ///< Nothing -> Nothing: undoes kOpen
-    kStart = 21,       ///< PackageFiles -> Recovery: starts what kOpen has set up
-    kKeyFrame = 22,    ///< Nothing -> Number, position, at once; -1 if no picture is taken
-    kJournal = 23,     ///< Text -> Number, 1 if it is kept
-    kState = 24,       ///< Nothing -> State
-    kStop = 25,        ///< Nothing -> Nothing, when the package is finished
-    kSendLevels = 26,  ///< Number, 1 or 0 -> Nothing: whether kLevel is sent
+    kHello = 16,      ///< Nothing -> Number (kVersion)
+    kListSound = 17,  ///< Nothing -> SoundList
+    kProbe = 18,      ///< Probe -> Uniformity
+    kOpen = 19,       ///< Settings -> Nothing: opens the sound, so that kStart waits for nothing
+    kClose = 20,      ///< Nothing -> Nothing: undoes kOpen
+    kStart = 21,      ///< PackageFiles -> Recovery: starts what kOpen has set up
+    kKeyFrame = 22,   ///< Nothing -> Number, position, at once; -1 if no picture is taken
+    kJournal = 23,    ///< Text -> Number, 1 if it is kept
+    kState = 24,      ///< Nothing -> State
+    kStop = 25,       ///< Nothing -> Nothing, when the package is finished
+
+    // Devices, beside a recording or without one
+    kListCameras = 32,     ///< Nothing -> CameraList
+    kPreview = 33,         ///< Preview -> Number, a PreviewResult: level (kLevel is sent) and camera picture
+    kEndPreview = 34,      ///< Nothing -> Nothing
+    kVolume = 35,          ///< Text, source -> Volume
+    kSetVolume = 36,       ///< SetVolume -> Volume, what the source has afterwards
+    kSetMute = 37,         ///< SetMute -> Nothing
+    kTestRecord = 38,      ///< TestRecord -> Nothing: records into a raw file
+    kEndTestRecord = 39,   ///< Nothing -> Nothing, when the file is closed
+    kTestRecordTime = 40,  ///< Nothing -> Number, recorded so far
+    kTestPlay = 41,        ///< Text, path -> Nothing: plays such a file
+    kEndTestPlay = 42,     ///< Nothing -> Nothing
+    kTestPlayTime = 43,    ///< Nothing -> Number, played so far; -1 at the end
 
     // The package
     kLength = 48,          ///< Text, path -> Number
@@ -122,6 +136,109 @@ struct SoundList {
     }
 };
 
+struct Camera {
+    std::string name;         ///< as the worker finds it again
+    std::string description;  ///< as a person knows it
+    template <typename V>
+    void Fields(V& visit) {
+        visit(name);
+        visit(description);
+    }
+};
+
+struct CameraList {
+    std::vector<Camera> cameras;
+    template <typename V>
+    void Fields(V& visit) {
+        visit(cameras);
+    }
+};
+
+/// A camera and the size its pictures are brought to; no name: no camera.
+struct CameraChoice {
+    std::string name;
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    template <typename V>
+    void Fields(V& visit) {
+        visit(name);
+        visit(width);
+        visit(height);
+    }
+};
+
+struct Preview {
+    std::string soundSource;
+    std::string display;       ///< empty: the environment's
+    std::uint64_t window = 0;  ///< X window that the camera's pictures are drawn into; 0: none
+    CameraChoice camera;
+    template <typename V>
+    void Fields(V& visit) {
+        visit(soundSource);
+        visit(display);
+        visit(window);
+        visit(camera);
+    }
+};
+
+enum class PreviewResult : std::int32_t {
+    kNoSound = -1,  ///< nothing is open
+    kNoVideo = 1,   ///< the sound is open
+    kBoth = 3,      ///< all that was asked for is open
+};
+
+struct Volume {
+    std::int32_t percent = 0;  ///< as the desktop shows it
+    std::int32_t isMuted = 0;
+    template <typename V>
+    void Fields(V& visit) {
+        visit(percent);
+        visit(isMuted);
+    }
+};
+
+struct SetVolume {
+    std::string source;
+    std::int32_t percent = 0;
+    template <typename V>
+    void Fields(V& visit) {
+        visit(source);
+        visit(percent);
+    }
+};
+
+struct SetMute {
+    std::string source;
+    std::int32_t isMuted = 0;
+    template <typename V>
+    void Fields(V& visit) {
+        visit(source);
+        visit(isMuted);
+    }
+};
+
+struct TestRecord {
+    std::string source;  ///< empty: the default one
+    std::string file;
+    template <typename V>
+    void Fields(V& visit) {
+        visit(source);
+        visit(file);
+    }
+};
+
+struct DeviceChange {
+    std::string name;  ///< as the worker knows it
+    std::int32_t isCamera = 0;
+    std::int32_t isBack = 0;
+    template <typename V>
+    void Fields(V& visit) {
+        visit(name);
+        visit(isCamera);
+        visit(isBack);
+    }
+};
+
 /// A rectangle of the display's desktop.
 struct Probe {
     std::string display;  ///< empty: the environment's
@@ -155,6 +272,7 @@ struct Settings {
     std::vector<std::string> soundSources;  ///< names as the sound server knows them; empty: no sound track
     std::int32_t stereo = 0;
     std::int32_t audioKbps = 64;
+    CameraChoice camera;
     template <typename V>
     void Fields(V& visit) {
         visit(picture);
@@ -162,6 +280,7 @@ struct Settings {
         visit(soundSources);
         visit(stereo);
         visit(audioKbps);
+        visit(camera);
     }
 };
 

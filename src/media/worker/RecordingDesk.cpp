@@ -31,11 +31,13 @@ protocol::Recovery ToRecovery(const std::optional<RecoveryReport>& report) {
     return {1, report->entries, report->entriesWithoutMedia, report->lengthMs, report->bytesCut};
 }
 
-RecordingDesk::RecordingDesk(std::function<void(int)> onLevel) : m_onLevel(std::move(onLevel)) {}
+RecordingDesk::RecordingDesk(std::function<void(int)> onLevel, DeviceChangeSink onDeviceChange)
+    : m_onLevel(std::move(onLevel)), m_onDeviceChange(std::move(onDeviceChange)) {}
 
 void RecordingDesk::Open(const protocol::Settings& settings) {
     if (m_isRecording) throw std::logic_error("A recording runs already.");
     auto recorder = std::make_unique<Recorder>(ToSettings(settings), m_onLevel);
+    recorder->OnDeviceChange(m_onDeviceChange);
     recorder->OpenSound();
     m_recorder = std::move(recorder);
 }

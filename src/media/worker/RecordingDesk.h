@@ -1,7 +1,7 @@
 // The recording side of the worker: at most one recorder, from kOpen to kStop. Decides what a request means while a
 // recording runs, and that the package being recorded is written through its recorder only.
 //
-// One thread, but for the level sink, which is called on a thread of the recorder.
+// One thread, but for the sinks, which are called on threads of the recorder.
 #pragma once
 
 #include <functional>
@@ -16,7 +16,7 @@ namespace kestrum::media {
 
 class RecordingDesk {
   public:
-    explicit RecordingDesk(std::function<void(int)> onLevel);
+    RecordingDesk(std::function<void(int)> onLevel, DeviceChangeSink onDeviceChange);
 
     /// Throws CaptureError; nothing is open then.
     void Open(const protocol::Settings& settings);
@@ -37,6 +37,7 @@ class RecordingDesk {
 
   private:
     const std::function<void(int)> m_onLevel;
+    const DeviceChangeSink m_onDeviceChange;
     std::unique_ptr<Recorder> m_recorder;
     std::string m_package;
     bool m_isRecording = false;

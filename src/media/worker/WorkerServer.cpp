@@ -11,6 +11,7 @@
 #include "media/capture/CaptureError.h"
 #include "media/capture/Clock.h"
 #include "media/capture/Screen.h"
+#include "media/capture/SoundMixer.h"
 #include "media/capture/SoundSources.h"
 #include "media/convert/DrawFit.h"
 #include "media/package/Inspection.h"
@@ -54,6 +55,14 @@ protocol::SoundList AskSound() {
         list.devices.push_back({source.name, source.description, source.isSystemSound, source.isDefault});
     }
     return list;
+}
+
+protocol::CameraList AskCameras() {
+    return {};
+}
+
+protocol::Volume ToWire(const SourceVolume& volume) {
+    return {volume.percent, volume.isMuted};
 }
 
 protocol::Uniformity AskUniformity(const protocol::Probe& probe) {
@@ -103,11 +112,21 @@ int BlockedSignals() {
 }  // namespace
 
 WorkerServer::WorkerServer(int socket)
-    : m_channel(socket), m_desk([this](int level) {
-          if (m_sendLevels) m_channel.SendIfRoom(Channel::Make(Kind::kLevel, 0, Number{level}));
-      }) {
+    : m_channel(socket),
+      m_desk([this](int level) { SendLevel(level); }, [this](const DeviceChange& change) { SendDeviceChange(change); }),
+      m_devices([this](int level) { SendLevel(level); }) {
     AddRecordingHandlers();
+    AddDeviceHandlers();
     AddPackageHandlers();
+}
+
+void WorkerServer::SendLevel(int level) {
+    m_channel.SendIfRoom(Channel::Make(Kind::kLevel, 0, Number{level}));
+}
+
+void WorkerServer::SendDeviceChange(const DeviceChange& change) {
+    m_channel.Send(
+        Channel::Make(Kind::kDevice, 0, protocol::DeviceChange{change.name, change.isCamera, change.isBack}));
 }
 
 template <typename Request, typename Function>
@@ -125,16 +144,36 @@ void WorkerServer::On(Kind kind, Function function) {
 
 void WorkerServer::AddRecordingHandlers() {
     On<Nothing>(Kind::kHello, [](const Nothing&) { return Number{protocol::kVersion}; });
-    On<Nothing>(Kind::kListSound, [](const Nothing&) { return AskSound(); });
     On<protocol::Probe>(Kind::kProbe, AskUniformity);
-    On<protocol::Settings>(Kind::kOpen, [this](const auto& settings) { m_desk.Open(settings); });
+    On<protocol::Settings>(Kind::kOpen, [this](const auto& settings) {
+        m_devices.ClosePreview();  // a camera can be opened once only
+        m_desk.Open(settings);
+    });
     On<Nothing>(Kind::kClose, [this](const Nothing&) { m_desk.Close(); });
     On<protocol::PackageFiles>(Kind::kStart, [this](const auto& files) { return m_desk.Start(files); });
     On<Nothing>(Kind::kKeyFrame, [this](const Nothing&) { return Number{m_desk.KeyFrame()}; });
     On<Text>(Kind::kJournal, [this](const Text& text) { return Number{m_desk.Journal(text.value)}; });
     On<Nothing>(Kind::kState, [this](const Nothing&) { return m_desk.State(); });
     On<Nothing>(Kind::kStop, [this](const Nothing&) { m_desk.Stop(); });
-    On<Number>(Kind::kSendLevels, [this](const Number& on) { m_sendLevels = on.value != 0; });
+}
+
+void WorkerServer::AddDeviceHandlers() {
+    On<Nothing>(Kind::kListSound, [](const Nothing&) { return AskSound(); });
+    On<Nothing>(Kind::kListCameras, [](const Nothing&) { return AskCameras(); });
+    On<protocol::Preview>(Kind::kPreview, [this](const auto& request) {
+        return Number{static_cast<std::int32_t>(m_devices.OpenPreview(request))};
+    });
+    On<Nothing>(Kind::kEndPreview, [this](const Nothing&) { m_devices.ClosePreview(); });
+    On<Text>(Kind::kVolume, [](const Text& source) { return ToWire(ReadVolume(source.value)); });
+    On<protocol::SetVolume>(Kind::kSetVolume,
+                            [](const auto& set) { return ToWire(ChangeVolume(set.source, set.percent)); });
+    On<protocol::SetMute>(Kind::kSetMute, [](const auto& set) { ChangeMute(set.source, set.isMuted != 0); });
+    On<protocol::TestRecord>(Kind::kTestRecord, [this](const auto& request) { m_devices.StartTestRecord(request); });
+    On<Nothing>(Kind::kEndTestRecord, [this](const Nothing&) { m_devices.StopTestRecord(); });
+    On<Nothing>(Kind::kTestRecordTime, [this](const Nothing&) { return Number{m_devices.TestRecordMs()}; });
+    On<Text>(Kind::kTestPlay, [this](const Text& file) { m_devices.StartTestPlay(file.value); });
+    On<Nothing>(Kind::kEndTestPlay, [this](const Nothing&) { m_devices.StopTestPlay(); });
+    On<Nothing>(Kind::kTestPlayTime, [this](const Nothing&) { return Number{m_devices.TestPlayMs()}; });
 }
 
 void WorkerServer::AddPackageHandlers() {

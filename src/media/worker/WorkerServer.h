@@ -3,12 +3,12 @@
 // to end.
 #pragma once
 
-#include <atomic>
 #include <functional>
 #include <map>
 #include <string>
 
 #include "media/protocol/Channel.h"
+#include "media/worker/DeviceDesk.h"
 #include "media/worker/RecordingDesk.h"
 #include "media/worker/VerifyJob.h"
 
@@ -30,7 +30,10 @@ class WorkerServer {
     template <typename Request, typename Function>
     void On(protocol::Kind kind, Function function);
     void AddRecordingHandlers();
+    void AddDeviceHandlers();
     void AddPackageHandlers();
+    void SendLevel(int level);
+    void SendDeviceChange(const DeviceChange& change);
     void Answer(const protocol::Message& request);
     /// Answers when `work` has its answer, on a thread of its own; `work` tells its progress meanwhile.
     template <typename Request, typename Function>
@@ -39,8 +42,8 @@ class WorkerServer {
     void OnTerminate(int signalFd);
 
     protocol::Channel m_channel;
-    std::atomic<bool> m_sendLevels{false};
     RecordingDesk m_desk;
+    DeviceDesk m_devices;
     VerifyJob m_verify;
     std::map<protocol::Kind, Handler> m_handlers;
     std::int64_t m_endNs = 0;  ///< when a worker that was asked to end stops answering; 0: not asked
