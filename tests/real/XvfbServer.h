@@ -7,6 +7,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "real/ChildProcess.h"
 
@@ -14,17 +15,20 @@ namespace kestrum::real {
 
 class XvfbServer {
   public:
-    /// Starts a display of one screen and waits until it answers. Throws if it does not.
-    explicit XvfbServer(int width = 640, int height = 480, int depth = 24) {
+    /// Starts a display of one screen and waits until it answers. Throws if it does not. `more` are further words of
+    /// the server's command line.
+    explicit XvfbServer(int width = 640, int height = 480, int depth = 24, const std::vector<std::string>& more = {}) {
         int ends[2];
         if (pipe2(ends, O_CLOEXEC) != 0) throw std::runtime_error("pipe failed");
         ChildProcess::Options options;
         options.quiet = true;
         options.inheritedFd = ends[1];
         const std::string screen = std::to_string(width) + "x" + std::to_string(height) + "x" + std::to_string(depth);
-        m_process = ChildProcess({"Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0", screen, "-nolisten",
-                                  "tcp", "-noreset", "-dpi", "96"},
-                                 options);
+        std::vector<std::string> command = {
+            "Xvfb", "-displayfd", std::to_string(ends[1]), "-screen", "0", screen, "-nolisten", "tcp", "-noreset",
+            "-dpi", "96"};
+        command.insert(command.end(), more.begin(), more.end());
+        m_process = ChildProcess(command, options);
         close(ends[1]);
         m_name = ":" + ReadNumber(ends[0]);
         close(ends[0]);

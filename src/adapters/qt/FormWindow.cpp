@@ -96,7 +96,9 @@ void FormWindow::Appear(bool modal) {
     Sync();
     const bool activates = m_form.Style().activates;
     setAttribute(Qt::WA_ShowWithoutActivating, !activates);
-    MarkOwnWindow(*this, m_form.Style().excludedFromCapture);
+    const bool isExcluded = m_form.Style().excludedFromCapture;
+    MarkOwnWindow(*this, isExcluded);
+    if (isExcluded && !m_covered) m_covered = std::make_unique<CoveredPictures>();
     show();
     raise();
     if (activates) activateWindow();
@@ -112,6 +114,7 @@ void FormWindow::Appear(bool modal) {
 void FormWindow::Sync() {
     if (!m_form.IsVisible()) {
         hide();
+        m_covered.reset();
         return;
     }
     const bool hasWidth = m_form.Place().width > 0 && !m_form.Style().borderless;

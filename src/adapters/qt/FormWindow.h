@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "adapters/qt/CoveredPictures.h"
 #include "adapters/qt/LayoutBuilder.h"
 #include "adapters/qt/QtEventLoop.h"
 
@@ -54,6 +55,7 @@ class FormWindow : public QWidget {
     QtEventLoop& m_loop;
     std::shared_ptr<int> m_alive = std::make_shared<int>(0);
     LayoutBuilder::Views m_views;
+    std::unique_ptr<CoveredPictures> m_covered;  ///< while a window is on screen that is never recorded
     QMenu* m_menu = nullptr;
     ui::WindowPlace m_place;
     bool m_placed = false;

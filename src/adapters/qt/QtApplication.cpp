@@ -1,7 +1,5 @@
 #include "adapters/qt/QtApplication.h"
 
-#include <xcb/xcb.h>
-
 #include <QEvent>
 #include <QPlatformSurfaceEvent>
 #include <QWidget>
@@ -11,6 +9,7 @@
 #include <cstring>
 
 #include "adapters/qt/Look.h"
+#include "adapters/qt/XcbDisplay.h"
 
 namespace kestrum::qt {
 namespace {
@@ -25,11 +24,6 @@ int& PrepareEnvironment(int& argc) {
     return argc;
 }
 
-xcb_connection_t* Connection() {
-    const auto* x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 ? x11->connection() : nullptr;
-}
-
 xcb_atom_t OwnWindowAtom(xcb_connection_t* connection) {
     const auto cookie =
         xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(kOwnWindowProperty)), kOwnWindowProperty);
@@ -40,7 +34,7 @@ xcb_atom_t OwnWindowAtom(xcb_connection_t* connection) {
 }
 
 void Mark(WId window, bool excludedFromCapture) {
-    xcb_connection_t* connection = Connection();
+    xcb_connection_t* connection = DisplayConnection();
     if (!connection) return;
     const xcb_atom_t atom = OwnWindowAtom(connection);
     const std::uint32_t value = excludedFromCapture ? 1 : 0;

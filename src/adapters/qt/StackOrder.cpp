@@ -1,11 +1,10 @@
 #include "adapters/qt/StackOrder.h"
 
-#include <xcb/xcb.h>
-
-#include <QApplication>
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
+
+#include "adapters/qt/XcbDisplay.h"
 
 namespace kestrum::qt {
 namespace {
@@ -22,12 +21,10 @@ bool IsViewable(xcb_connection_t* connection, xcb_window_t window) {
 }  // namespace
 
 bool AreOnTop(const std::vector<WId>& windows) {
-    const auto* x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11 || windows.empty()) return true;
-    xcb_connection_t* connection = x11->connection();
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+    xcb_connection_t* connection = DisplayConnection();
+    if (!connection || windows.empty()) return true;
     const ReplyPtr<xcb_query_tree_reply_t> tree(
-        xcb_query_tree_reply(connection, xcb_query_tree(connection, root), nullptr), std::free);
+        xcb_query_tree_reply(connection, xcb_query_tree(connection, RootOf(connection)), nullptr), std::free);
     if (!tree) return true;
     const xcb_window_t* children = xcb_query_tree_children(tree.get());
     std::size_t ours = windows.size();

@@ -1,25 +1,10 @@
 #include "media/capture/PointerOverlay.h"
 
-#include <algorithm>
 #include <utility>
 
+#include "media/capture/Blend.h"
+
 namespace kestrum::media {
-namespace {
-
-/// `over` is premultiplied: result = over + below * (1 - alpha).
-std::uint32_t Blend(std::uint32_t over, std::uint32_t below) {
-    const std::uint32_t keep = 255 - (over >> 24);
-    if (keep == 255) return below;
-    std::uint32_t result = 0;
-    for (int shift = 0; shift < 24; shift += 8) {
-        const std::uint32_t value = ((over >> shift) & 0xFF) + (((below >> shift) & 0xFF) * keep + 127) / 255;
-        result |= std::min<std::uint32_t>(value, 255) << shift;
-    }
-    return result;
-}
-
-}  // namespace
-
 void PointerOverlay::Update(PointerImage now, ChangeMap& changes) {
     if (now.place == m_pointer.place && now.pixels == m_pointer.pixels) return;
     changes.Mark(m_pointer.place);

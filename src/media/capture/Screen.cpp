@@ -6,8 +6,8 @@
 #include <xcb/xfixes.h>
 #include <xcb/xinput.h>
 
-#include <cstring>
-
+#include "media/capture/Comparison.h"
+#include "media/capture/OwnWindows.h"
 #include "media/capture/SharedImage.h"
 #include "media/capture/XcbHandle.h"
 
@@ -15,7 +15,7 @@ namespace kestrum::media {
 namespace {
 
 // Past this many rectangles one large read is cheaper than many small ones.
-constexpr int kMostReads = 8;
+constexpr std::size_t kMostReads = 8;
 
 CaptureError DisplayError(const std::string& sentence) {
     return {CaptureErrorKind::kNoDisplay, sentence};
@@ -90,8 +90,9 @@ class Screen::Impl {
         : area(wanted), connection(Connect(display, screenNumber)), screen(FindScreen(connection.get(), screenNumber)) {
         const PixelFormat format = RequireFormat(connection.get(), *screen);
         RequireArea(area, RootArea(connection.get(), screen->root));
-        image = std::make_unique<SharedImage>(connection.get(), screen->root, format, area);
+        image = std::make_unique<SharedImage>(connection.get(), screen->root_depth, format, area);
         WatchDrawing();
+        own = std::make_unique<OwnWindows>(connection.get(), screen->root, screenNumber, area, *image);
         WatchPointer();
         WatchMonitors();
         xcb_flush(connection.get());
@@ -103,27 +104,22 @@ class Screen::Impl {
 
     bool IsLost() const { return xcb_connection_has_error(connection.get()) != 0; }
 
-    std::vector<Area> TakeDrawnAreas() {
-        xcb_damage_subtract(connection.get(), damage, XCB_NONE, drawnRegion);
-        const auto cookie = xcb_xfixes_fetch_region(connection.get(), drawnRegion);
-        const auto reply = Own(xcb_xfixes_fetch_region_reply(connection.get(), cookie, nullptr));
-        std::vector<Area> areas;
-        if (!reply) return areas;
-        const auto* rectangles = xcb_xfixes_fetch_region_rectangles(reply.get());
-        for (int i = 0; i < xcb_xfixes_fetch_region_rectangles_length(reply.get()); ++i) {
-            const auto& r = rectangles[i];
-            const Area inside = Intersect({r.x, r.y, r.width, r.height}, area);
-            if (!inside.IsEmpty()) areas.push_back({inside.x - area.x, inside.y - area.y, inside.width, inside.height});
+    void Fetch(BgraPicture& picture, ChangeMap& changes, bool everywhere) {
+        Pump();
+        if (everywhere) {
+            CompareMonitor();
+            due = {{0, 0, area.width, area.height}};
         }
-        return MergeIfMany(areas);
-    }
-
-    void ReadInto(BgraPicture& picture, ChangeMap& changes, const Area& part) {
-        const auto* pixels = image->Read({area.x + part.x, area.y + part.y, part.width, part.height});
-        if (!pixels) return;
-        for (int y = 0; y < part.height; ++y) {
-            CompareLine(picture, changes, part, part.y + y, pixels + static_cast<std::size_t>(y) * part.width);
-        }
+        if (wasDrawn) AddDrawnAreas();
+        if (Take(picture, changes, everywhere)) return;
+        // Windows moved while their places were read: now they have to stand still.
+        xcb_grab_server(connection.get());
+        isGrabbed = true;
+        Pump();
+        Take(picture, changes, everywhere);
+        isGrabbed = false;
+        xcb_ungrab_server(connection.get());
+        xcb_flush(connection.get());
     }
 
     void CompareMonitor() {
@@ -144,9 +140,60 @@ class Screen::Impl {
     bool wasDrawn = false;
     bool pointerMoved = true;
     bool newResolution = false;
+    bool isGrabbed = false;
     Area monitor;
+    Areas due;  ///< to be read from the screen, places in the rectangle
+    std::unique_ptr<OwnWindows> own;
 
   private:
+    void AddDrawnAreas() {
+        wasDrawn = false;
+        xcb_damage_subtract(connection.get(), damage, XCB_NONE, drawnRegion);
+        const auto cookie = xcb_xfixes_fetch_region(connection.get(), drawnRegion);
+        const auto reply = Own(xcb_xfixes_fetch_region_reply(connection.get(), cookie, nullptr));
+        if (!reply) return;
+        const auto* rectangles = xcb_xfixes_fetch_region_rectangles(reply.get());
+        for (int i = 0; i < xcb_xfixes_fetch_region_rectangles_length(reply.get()); ++i) {
+            const auto& r = rectangles[i];
+            const Area inside = Intersect({r.x, r.y, r.width, r.height}, area);
+            if (!inside.IsEmpty()) due.push_back(Moved(inside, -area.x, -area.y));
+        }
+        MergeIfMany(due);
+    }
+
+    /// Reads all that is due, own windows left out. False if a window moved meanwhile: the rest is still due then.
+    bool Take(BgraPicture& picture, ChangeMap& changes, bool everywhere) {
+        const Areas bared = own->Update(everywhere);
+        due.insert(due.end(), bared.begin(), bared.end());
+        for (; !due.empty(); due.pop_back()) {
+            if (!Read(due.back(), picture, changes)) return false;
+        }
+        for (const Area& part : own->TakeChanged(everywhere)) {
+            const auto pixels = own->Compose(part, picture);
+            if (WindowsMoved()) return false;
+            TakeOver(picture, changes, part, {pixels.data(), part});
+        }
+        return true;
+    }
+
+    bool Read(const Area& part, BgraPicture& picture, ChangeMap& changes) {
+        const Areas pieces = Subtract({part}, own->Hidden());
+        const auto* pixels =
+            pieces.empty() ? nullptr : image->Read(screen->root, screen->root_depth, Moved(part, area.x, area.y));
+        if (WindowsMoved()) return false;
+        if (!pixels) return true;
+        for (const Area& piece : pieces) TakeOver(picture, changes, piece, {pixels, part});
+        return true;
+    }
+
+    /// The server tells of a window that moved before it gives a picture with it. While it stands still for us all that
+    /// moved before is known.
+    bool WindowsMoved() {
+        if (isGrabbed) return false;
+        while (const auto event = Own(xcb_poll_for_queued_event(connection.get()))) Handle(*event);
+        return own->IsStale();
+    }
+
     void WatchDrawing() {
         auto* c = connection.get();
         fixesEvent = RequireExtension(c, &xcb_xfixes_id, "XFIXES")->first_event;
@@ -188,7 +235,10 @@ class Screen::Impl {
 
     void Handle(const xcb_generic_event_t& event) {
         const std::uint8_t type = event.response_type & 0x7F;
-        if (type == damageEvent + XCB_DAMAGE_NOTIFY) wasDrawn = true;
+        own->Handle(event);
+        if (type == damageEvent + XCB_DAMAGE_NOTIFY) {
+            wasDrawn |= reinterpret_cast<const xcb_damage_notify_event_t&>(event).damage == damage;
+        }
         if (type == fixesEvent + XCB_XFIXES_CURSOR_NOTIFY) pointerMoved = true;
         if (type == XCB_GE_GENERIC) {
             pointerMoved |= reinterpret_cast<const xcb_ge_generic_event_t&>(event).extension == inputOpcode;
@@ -198,26 +248,11 @@ class Screen::Impl {
         if (randr) CompareMonitor();
     }
 
-    static std::vector<Area> MergeIfMany(const std::vector<Area>& areas) {
-        if (areas.size() <= kMostReads) return areas;
+    static void MergeIfMany(Areas& areas) {
+        if (areas.size() <= kMostReads) return;
         Area all;
         for (const auto& one : areas) all = Unite(all, one);
-        return {all};
-    }
-
-    static void CompareLine(BgraPicture& picture, ChangeMap& changes, const Area& part, int y,
-                            const std::uint32_t* fresh) {
-        std::uint32_t* old = picture.Line(y) + part.x;
-        const std::size_t bytes = static_cast<std::size_t>(part.width) * sizeof(std::uint32_t);
-        if (std::memcmp(old, fresh, bytes) == 0) return;
-        for (int x = 0; x < part.width;) {
-            const int column = (part.x + x) / kBlock;
-            const int count = std::min((column + 1) * kBlock - (part.x + x), part.width - x);
-            const std::size_t pieceBytes = static_cast<std::size_t>(count) * sizeof(std::uint32_t);
-            if (std::memcmp(old + x, fresh + x, pieceBytes) != 0) changes.Mark(column, y / kBlock);
-            x += count;
-        }
-        std::memcpy(old, fresh, bytes);
+        areas = {all};
     }
 };
 
@@ -231,7 +266,7 @@ void Screen::Pump() {
     m_impl->Pump();
 }
 bool Screen::HasNews() const {
-    return m_impl->wasDrawn || m_impl->pointerMoved;
+    return m_impl->wasDrawn || m_impl->pointerMoved || m_impl->own->HasNews();
 }
 bool Screen::IsLost() const {
     return m_impl->IsLost();
@@ -241,15 +276,7 @@ bool Screen::HasNewResolution() const {
 }
 
 void Screen::Fetch(BgraPicture& picture, ChangeMap& changes, bool everywhere) {
-    if (m_impl->IsLost()) return;
-    const auto drawn = m_impl->wasDrawn ? m_impl->TakeDrawnAreas() : std::vector<Area>{};
-    m_impl->wasDrawn = false;
-    if (everywhere) {
-        m_impl->ReadInto(picture, changes, {0, 0, m_impl->area.width, m_impl->area.height});
-        m_impl->CompareMonitor();
-    } else {
-        for (const auto& part : drawn) m_impl->ReadInto(picture, changes, part);
-    }
+    if (!m_impl->IsLost()) m_impl->Fetch(picture, changes, everywhere);
 }
 
 PointerImage Screen::FetchPointer() {

@@ -3,10 +3,15 @@
 #include <sys/ipc.h>
 #include <sys/shm.h>
 
+#include <algorithm>
+
 namespace kestrum::media {
 namespace {
 
 constexpr std::uint32_t kAllPlanes = 0xFFFFFFFF;
+// Windows that a compositor blends carry their opacity in the upper byte.
+constexpr int kSeeThroughDepth = 32;
+const PixelFormat kSeeThrough(32, 32, 0xFF0000, 0xFF00, 0xFF);
 
 bool HasExtension(xcb_connection_t* connection, xcb_extension_t* extension) {
     const auto* data = xcb_get_extension_data(connection, extension);
@@ -15,10 +20,10 @@ bool HasExtension(xcb_connection_t* connection, xcb_extension_t* extension) {
 
 }  // namespace
 
-SharedImage::SharedImage(xcb_connection_t* connection, xcb_window_t root, const PixelFormat& format,
-                         const Area& largest)
-    : m_connection(connection), m_root(root), m_format(format) {
-    const std::size_t bytes = format.BytesOf(largest.width, largest.height);
+SharedImage::SharedImage(xcb_connection_t* connection, int rootDepth, const PixelFormat& format, const Area& largest)
+    : m_connection(connection), m_formats{{rootDepth, format}, {kSeeThroughDepth, kSeeThrough}} {
+    const std::size_t bytes =
+        std::max(format.BytesOf(largest.width, largest.height), kSeeThrough.BytesOf(largest.width, largest.height));
     if (!HasExtension(connection, &xcb_shm_id) || !Attach(bytes)) m_segment = 0;
 }
 
@@ -44,26 +49,28 @@ bool SharedImage::Attach(std::size_t bytes) {
     return !error;
 }
 
-const std::uint32_t* SharedImage::Read(const Area& area) {
-    const void* pixels = Fetch(area);
-    if (!pixels || m_format.IsDirect()) return static_cast<const std::uint32_t*>(pixels);
+const std::uint32_t* SharedImage::Read(xcb_drawable_t source, int depth, const Area& area) {
+    const auto format = m_formats.find(depth);
+    if (format == m_formats.end()) return nullptr;
+    const void* pixels = Fetch(source, area, format->second);
+    if (!pixels || format->second.IsDirect()) return static_cast<const std::uint32_t*>(pixels);
     m_expanded.resize(static_cast<std::size_t>(area.width) * area.height);
-    m_format.Expand(static_cast<const std::uint8_t*>(pixels), area.width, area.height, m_expanded.data());
+    format->second.Expand(static_cast<const std::uint8_t*>(pixels), area.width, area.height, m_expanded.data());
     return m_expanded.data();
 }
 
-const void* SharedImage::Fetch(const Area& area) {
+const void* SharedImage::Fetch(xcb_drawable_t source, const Area& area, const PixelFormat& format) {
     const auto x = static_cast<std::int16_t>(area.x), y = static_cast<std::int16_t>(area.y);
     const auto width = static_cast<std::uint16_t>(area.width), height = static_cast<std::uint16_t>(area.height);
     if (m_segment) {
-        const auto cookie = xcb_shm_get_image(m_connection, m_root, x, y, width, height, kAllPlanes,
+        const auto cookie = xcb_shm_get_image(m_connection, source, x, y, width, height, kAllPlanes,
                                               XCB_IMAGE_FORMAT_Z_PIXMAP, m_segment, 0);
         const auto reply = Own(xcb_shm_get_image_reply(m_connection, cookie, nullptr));
         return reply ? m_memory : nullptr;
     }
-    const auto cookie = xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_root, x, y, width, height, kAllPlanes);
+    const auto cookie = xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, source, x, y, width, height, kAllPlanes);
     m_reply = Own(xcb_get_image_reply(m_connection, cookie, nullptr));
-    const std::size_t needed = m_format.BytesOf(area.width, area.height);
+    const std::size_t needed = format.BytesOf(area.width, area.height);
     if (!m_reply || m_reply->length * sizeof(std::uint32_t) < needed) return nullptr;
     return xcb_get_image_data(m_reply.get());
 }

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <vector>
 
 #include "media/capture/Area.h"
@@ -16,23 +17,23 @@ namespace kestrum::media {
 
 class SharedImage {
   public:
-    /// Makes room for areas of up to the size of `largest`. `format` is that of the root window.
-    SharedImage(xcb_connection_t* connection, xcb_window_t root, const PixelFormat& format, const Area& largest);
+    /// Makes room for areas of up to the size of `largest`. `format` is that of the root window, `rootDepth` bits deep.
+    SharedImage(xcb_connection_t* connection, int rootDepth, const PixelFormat& format, const Area& largest);
     ~SharedImage();
     SharedImage(const SharedImage&) = delete;
     SharedImage& operator=(const SharedImage&) = delete;
 
-    /// Reads an area of the root window; its lines follow each other without padding. Valid until the next call;
-    /// nullptr if the server did not give it.
-    const std::uint32_t* Read(const Area& area);
+    /// Reads an area of a window, with what lies over it, or of a pixmap, of the root's depth or of 32 bits
+    /// (premultiplied ARGB then); its lines follow each other without padding. Valid until the next call; nullptr for
+    /// other depths and if the server did not give it.
+    const std::uint32_t* Read(xcb_drawable_t source, int depth, const Area& area);
 
   private:
     bool Attach(std::size_t bytes);
-    const void* Fetch(const Area& area);
+    const void* Fetch(xcb_drawable_t source, const Area& area, const PixelFormat& format);
 
     xcb_connection_t* m_connection;
-    xcb_window_t m_root;
-    PixelFormat m_format;
+    std::map<int, PixelFormat> m_formats;  ///< by depth
     std::vector<std::uint32_t> m_expanded;
     xcb_shm_seg_t m_segment = 0;
     void* m_memory = nullptr;
