@@ -1,5 +1,6 @@
 // The X11 screen as a source of changes: which pixels of a rectangle changed, where the pointer is, and whether the
-// screen is still the one that was there at the start. Decides what is fetched from the server; knows no time.
+// screen is still the one that was there at the start. Windows of the product are not part of it (see OwnWindows).
+// Decides what is fetched from the server, not when.
 //
 // One thread. After the loss of the server IsLost answers true and all else does nothing.
 #pragma once
