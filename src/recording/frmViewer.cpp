@@ -27,6 +27,7 @@ frmViewer::~frmViewer() {
     Discard();
     m_subscription.reset();
     m_c.host.ksLib.SetVolumeMeter({});
+    m_c.host.ksLib.SetDeviceNotice({});
     m_c.recording.viewer = nullptr;
 }
 
@@ -43,6 +44,7 @@ void frmViewer::OnLoad() {
 
 void frmViewer::OnUnload() {
     m_c.host.ksLib.SetVolumeMeter({});
+    m_c.host.ksLib.SetDeviceNotice({});
     m_hookInstalled = false;
     m_window.reset();
 }

@@ -3,6 +3,7 @@
 #include "project/RecentProjects.h"
 #include "project/modProject.h"
 #include "project/modSlide.h"
+#include "recording/frmNotice.h"
 #include "recording/frmRecStatus.h"
 #include "recording/frmViewer.h"
 #include "recording/modCapture.h"
@@ -136,6 +137,9 @@ bool frmViewer::StartPowerPointRecord() {
     }
     PrepareView();
     r.g_Recording = true;
+    m_c.host.ksLib.SetDeviceNotice([this](const host::DeviceNotice& notice) {
+        if (m_c.recording.g_Recording) Try([&] { m_c.forms.Get<frmNotice>(m_c).ShowNotice(notice); });
+    });
     if (!modEncoder::StartEncoder(m_c)) {
         // A start that failed behind the encoder's own start has a running encoder: what it recorded stays whole.
         if (r.g_EncoderStarted && r.g_Recording) modEncoder::StopEncoder(m_c);
