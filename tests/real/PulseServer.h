@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -26,6 +27,12 @@ class PulseServer {
         const std::string run = m_folder / "run";
         mkdir(run.c_str(), 0700);
         m_socket = run + "/pulse.sock";
+        Start();
+    }
+
+    /// Starts the server again after Kill, at the same address with the same devices.
+    void Start() {
+        std::filesystem::remove(m_socket);
         ChildProcess::Options options;
         options.quiet = true;
         options.env = Env();
@@ -68,6 +75,23 @@ class PulseServer {
         Run({"sox", "-n", "-r", "48000", "-c", "2", wavFile, "synth", std::to_string(seconds), "sine",
              std::to_string(hertz), "vol", "0.5"});
     }
+    /// Unloads the module of which a word is known.
+    void Unload(const std::string& word) const {
+        const std::string modules = Control({"list", "short", "modules"}).output;
+        const auto at = modules.find(word);
+        if (at == std::string::npos) throw std::runtime_error("no sound module with " + word);
+        const auto line = modules.rfind('\n', at) + 1;
+        Control({"unload-module", modules.substr(line, modules.find('\t', line) - line)});
+    }
+    /// Unplugs the microphone, and plugs the same one in again.
+    void Unplug() const { Unload("source_name=mic"); }
+    void PlugIn() const {
+        Control({"load-module", "module-remap-source", "master=micbus.monitor", "source_name=mic",
+                 "source_properties=device.description=Microphone"});
+    }
+    /// The server hangs, and goes on.
+    void Freeze() { m_process.Signal(SIGSTOP); }
+    void Thaw() { m_process.Signal(SIGCONT); }
     /// Ends the server, as its crash does.
     void Kill() {
         m_process.Signal(SIGKILL);
