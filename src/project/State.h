@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "host/String.h"
 #include "project/CProjectFile.h"
@@ -16,6 +17,9 @@ struct State {
     CProjectFile g_Project;
     /// Number of index entries at the last opening.
     std::int32_t itemCount = 0;
+    /// The project file in the package as this program last read or wrote it; empty: not known, or a recording of this
+    /// program is at work on it.
+    std::string storedProject;
     /// A scratch folder with an index that could be stored nowhere else; empty: none.
     String folderToKeep;
     /// Key-frame positions last read, as numbers between blanks with a blank in front and behind; empty: not read yet.

@@ -45,6 +45,13 @@ String CursorToStore(const support::Context& c) {
     return c.host.fs.FileExists(cursor) ? cursor : InWorkFolder(c, u"cursor.gif");
 }
 
+/// Content of a file; empty if it cannot be read.
+std::string TextOf(const support::Context& c, const String& file) {
+    std::string text;
+    host::ResumeNext{c.host.trace}.Set(text, [&] { return c.host.fs.ReadFile(file); });
+    return text;
+}
+
 bool Fetch(const support::Context& c, const host::StoredFiles& targets) {
     return c.host.ksLib.GetExtendDataFromProject(NarrowPackage(c), NarrowPaths(c, targets)) != -1;
 }
@@ -62,14 +69,24 @@ bool HoldsMedia(const support::Context& c) {
     return c.host.fs.FileExists(c.support.packagePath) && c.host.ksLib.IsEmptyProject(NarrowPackage(c)) == 0;
 }
 
-bool Unpack(const support::Context& c) {
+bool Unpack(const Context& c) {
     const host::StoredFiles targets{InWorkFolder(c, u"project.ksp"), InWorkFolder(c, u"cursor.gif"),
                                     InWorkFolder(c, u"photo.gif"), InWorkFolder(c, u"inteIndex.txt")};
     // A second attempt finds a new worker if the first one died. A package that could not be read for a moment must not
     // look like one without files: an older snapshot would take their place.
     if (!Fetch(c, targets) && !Fetch(c, targets)) return false;
+    c.project.storedProject = TextOf(c, targets.projectFile);
     PreferUnsavedCopy(c);
     return true;
+}
+
+bool StoredByOther(const Context& c) {
+    if (c.project.storedProject.empty() || !c.host.fs.FileExists(c.support.packagePath)) return false;
+    const String look = InWorkFolder(c, u"project.ksp.now");
+    const bool fetched = host::ResumeNext{c.host.trace}.If([&] { return Fetch(c, {look, u"", u"", u""}); });
+    const std::string now = fetched ? TextOf(c, look) : std::string();
+    modGlobal::SafeDeleteFile(c, look);
+    return !now.empty() && now != c.project.storedProject;
 }
 
 bool Pack(const Context& c) {
@@ -77,6 +94,7 @@ bool Pack(const Context& c) {
                                   InWorkFolder(c, u"inteIndex.txt")};
     if (!c.host.fs.FileExists(files.projectFile)) return true;
     if (Store(c, files) || Store(c, files)) {
+        c.project.storedProject = TextOf(c, files.projectFile);
         modGlobal::SafeDeleteFile(c, UnsavedCopy(c));
         return true;
     }

@@ -11,7 +11,11 @@ namespace kestrum::project {
 bool HoldsMedia(const support::Context& c);
 
 /// Writes the stored files into the scratch folder. False if the package has no readable project file.
-bool Unpack(const support::Context& c);
+bool Unpack(const Context& c);
+
+/// Another program has stored a project file since this one last read or stored one: a recording, or another window of
+/// settings. False as long as that is not known for sure.
+bool StoredByOther(const Context& c);
 
 /// Stores the files of the scratch folder. A project file that was written but not yet put in its place counts as the
 /// project file; without either, nothing is stored and the package keeps what it has. False if the project file now

@@ -82,6 +82,12 @@ void KeepEntriesInReach(const project::Context& c) {
     });
 }
 
+void TellChangedMeanwhile(const support::Context& c) {
+    modMsgBox::MsgBox(c, Res(c, u"frmCommon", u"msgChangedMeanwhile",
+                             u"The lecture has been recorded or changed elsewhere in the meantime. What was changed "
+                             u"here is not stored, so that nothing of that gets lost. Please open the lecture again."));
+}
+
 /// A folder of this command alone; an old one is never used again.
 String MakeScratchFolder(const support::Context& c) {
     const String temp = c.host.shell.Environment(u"temp");
@@ -132,7 +138,9 @@ void SaveProject(const project::Context& c) {
     // A project file that could not be written is older than what the package may hold by now: the package keeps its
     // own.
     if (file.WrittenTo().empty()) return;
-    if (c.support.packagePath.empty() || project::Pack(c)) return;
+    if (c.support.packagePath.empty()) return;
+    if (project::StoredByOther(c)) return TellChangedMeanwhile(c);
+    if (project::Pack(c)) return;
     c.project.folderToKeep = c.support.workFolder;
     const String text =
         Res(c, u"frmCommon", u"msgIndexKept",

@@ -18,8 +18,9 @@ bool LocateProject(const project::Context& c);
 bool OpenProject(const project::Context& c, bool isNew, bool& continued);
 
 /// Saves g_Project and stores the four files of workFolder in the package. The only way by which a change reaches the
-/// package. Never throws. Says nothing of a failure, for the next opening takes up what is left beside the package;
-/// only if nothing can be left there, it tells that workFolder stays, and re-enters (box).
+/// package. Never throws. If another program stored a project meanwhile, it tells so and stores nothing (re-enters,
+/// box): entries of a recording must not go for an older list. Says nothing of a failure, for the next opening takes up
+/// what is left beside the package; only if nothing can be left there, it tells that workFolder stays (box again).
 void SaveProject(const project::Context& c);
 
 /// Decides between save points and live files: tells of a broken import, and puts an editor's backup back.

@@ -45,7 +45,7 @@ bool HasSpace(const support::Context& c) {
 
 /// The stored files are newer than the snapshot if they are there at all; else the snapshot is stored in their place,
 /// for the next opening.
-void TakeUpFailedRecording(const support::Context& c) {
+void TakeUpFailedRecording(const project::Context& c) {
     const String snapshot = project::Snapshot(c);
     if (project::Unpack(c)) {
         modGlobal::SafeDeleteFile(c, snapshot);
@@ -64,7 +64,7 @@ bool UnpackFailedRecording(const project::Context& c) {
     return true;
 }
 
-bool UnpackOrdinary(const support::Context& c) {
+bool UnpackOrdinary(const project::Context& c) {
     return project::Unpack(c) || Refuse(c, u"frmCommon", u"msgVerifyProjectErr", u"Verify project error!");
 }
 
@@ -186,6 +186,7 @@ class Opening {
 
 bool OpenProject(const project::Context& c, bool isNew, bool& continued) {
     continued = false;
+    c.project.storedProject.clear();
     const String before = c.host.ksLib.LastRecovery();
     const bool wasCutShort = !isNew && c.host.fs.FileExists(project::Snapshot(c));
     const bool opened = Opening(c).Run(isNew);

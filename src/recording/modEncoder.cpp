@@ -147,6 +147,7 @@ void WriteMarkers(const recording::Context& c, StringView recording, const Strin
 void Run(const recording::Context& c) {
     recording::State& r = c.recording;
     r.g_EncoderStarted = true;
+    c.project.storedProject.clear();  // from now on the worker changes what is stored
     r.g_LastEncoderResult = c.host.ksLib.EncoderStart(0);
     r.g_RecordStartTick = c.host.loop.TickCount();
     r.g_EncoderPollTimer = c.host.loop.StartTimer(u"CheckEncoderState", kPollMs, host::TimerReentry::Entered, [c] {
@@ -155,6 +156,11 @@ void Run(const recording::Context& c) {
     });
     WriteMarkers(c, u"1", ToText(modGlobal::GetPositiveTick(c.host.loop)), c.support.packagePath);
     c.project.g_Project.Save(Snapshot(c));
+}
+
+// A start that failed leaves nothing behind, but what an interrupted recording left stays for its recovery.
+void DropTemporaryFolder(const recording::Context& c) {
+    if (!c.host.fs.FileExists(Snapshot(c))) modGlobal::DeleteFolder(c, TemporaryFolder(c));
 }
 
 /// Runs `body`; a failure shows "name(): description" and counts as false.
@@ -179,7 +185,7 @@ std::int32_t FrameRateOf(StringView level) {
 }
 
 bool StartEncoder(const recording::Context& c) {
-    return Guarded(c, u"StartEncoder()", [&] {
+    const bool started = Guarded(c, u"StartEncoder()", [&] {
         if (!ResetDevices(c) || !SelectDevices(c)) return false;
         DropIndexWithoutMedia(c);
         if (!WaitForFreeEncoder(c)) return false;
@@ -190,6 +196,8 @@ bool StartEncoder(const recording::Context& c) {
         Run(c);
         return true;
     });
+    if (!started && !c.recording.g_EncoderStarted) DropTemporaryFolder(c);
+    return started;
 }
 
 bool StopEncoder(const recording::Context& c) {

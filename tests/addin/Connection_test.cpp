@@ -58,6 +58,16 @@ TEST_F(Connection, StaleMarker_IsDisarmedWithoutAPresentation_AndItsTimeStays) {
     EXPECT_EQ(world.settings.Get(u"tokens\\PowerPoint", u"touchtime"), u"77");
 }
 
+TEST_F(Connection, HostThatCannotCountItsPresentations_LeavesTheMarkerAlone) {
+    // A command without an office: the recording that set the marker may well be alive in one.
+    world.settings.Set(u"tokens\\PowerPoint", u"recording", u"1");
+    world.faults.FailCall(u"app.PresentationCount", 1, sim::Once);
+    Session session(world.host());
+    session.Connect();
+    EXPECT_FALSE(world.faults.Injected().empty());
+    EXPECT_EQ(world.settings.Get(u"tokens\\PowerPoint", u"recording"), u"1");
+}
+
 TEST_F(Connection, MarkerWithAPresentationOpen_IsLeftAlone_TheHeartbeatDisarmsIt) {
     world.app.Open(sim::Deck::Titled(u"/home/anna/a.pptx", {u"One"}));
     world.settings.Set(u"tokens\\PowerPoint", u"recording", u"1");

@@ -70,6 +70,20 @@ TEST_F(SlideAdvanceTest, ManyBuilds_AreCutOffWhenTheTimeIsUp) {
     EXPECT_EQ(m_world.app.ShownSlide(), 2);
 }
 
+TEST_F(SlideAdvanceTest, AMachineThatStoodStill_GivesEachSlideItsTimeAllTheSame) {
+    Start(sim::Deck::Titled(u"/home/anna/a.pptx", {u"One", u"Two", u"Three"}), 2000);
+    m_world.loop.Advance(1000);
+    m_world.loop.Sleep(3600000);  // nothing runs meanwhile
+    m_world.loop.Advance(900);
+    EXPECT_EQ(m_world.app.ShownSlide(), 1);
+    m_world.loop.Advance(200);
+    EXPECT_EQ(m_world.app.ShownSlide(), 2);
+    m_world.loop.Advance(1800);
+    EXPECT_EQ(m_world.app.ShownSlide(), 2);
+    m_world.loop.Advance(200);
+    EXPECT_EQ(m_world.app.ShownSlide(), 3);
+}
+
 TEST_F(SlideAdvanceTest, ADeadOffice_IsLeftAlone) {
     Start(sim::Deck::Titled(u"/home/anna/a.pptx", {u"One", u"Two"}), 1000);
     m_world.app.Die();

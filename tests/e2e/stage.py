@@ -1,10 +1,12 @@
 """What the end-to-end tests stand on: the programs of the release build, a private screen, pictures as numbers."""
+import contextlib
 import json
 import os
 import pathlib
 import re
 import shutil
 import signal
+import sqlite3
 import subprocess
 import tempfile
 import time
@@ -30,6 +32,15 @@ def on_stage(*command, check=True, timeout=PATIENCE):
     """The same on a private screen whose microphone hears speech."""
     return run(ROOT / "tools" / "private-screen", "--speech", ROOT / "samples" / "speech.txt", *command, check=check,
                timeout=timeout)
+
+
+def environment_of(pid):
+    """The environment of a process as it was started; empty if it is gone."""
+    try:
+        words = pathlib.Path(f"/proc/{pid}/environ").read_bytes().split(b"\0")
+    except OSError:
+        return {}
+    return dict(os.fsdecode(word).split("=", 1) for word in words if b"=" in word)
 
 
 def info(package):
@@ -85,8 +96,8 @@ def slide_thumbs(deck, folder):
 class Folder:
     """A folder with a deck in it, under a name that tests the handling of names."""
 
-    def __init__(self, name="课件 week 1", deck="关键帧 lecture.pptx"):
-        self.root = pathlib.Path(tempfile.mkdtemp(prefix="kestrum-e2e."))
+    def __init__(self, name="课件 week 1", deck="关键帧 lecture.pptx", within=None):
+        self.root = pathlib.Path(tempfile.mkdtemp(prefix="kestrum-e2e.", dir=within))
         self.path = self.root / name
         self.path.mkdir()
         self.deck = self.path / deck
@@ -97,14 +108,29 @@ class Folder:
         shutil.rmtree(self.root, ignore_errors=True)
 
 
-class Recording:
-    """A recording under way, to be disturbed."""
+class Settings:
+    """Settings of the recorder in a folder of their own, which several runs can share."""
 
-    def __init__(self, deck, advance):
+    def __init__(self, folder, **values):
+        self.folder = pathlib.Path(folder)
+        file = self.folder / "kestrum" / "settings.sqlite"
+        file.parent.mkdir(parents=True)
+        with contextlib.closing(sqlite3.connect(file)) as store, store:
+            store.execute("CREATE TABLE settings (application TEXT, section TEXT, key TEXT, value TEXT NOT NULL,"
+                          " PRIMARY KEY (application, section, key)) WITHOUT ROWID")
+            store.executemany("INSERT INTO settings VALUES ('Larkspin5', 'configure', ?, ?)", values.items())
+
+
+class Recording:
+    """A recording under way on a screen of its own, to be disturbed."""
+
+    def __init__(self, deck, advance=None, *options, settings=None, command="record"):
         self._log = tempfile.TemporaryFile(mode="w+")
+        kept = ["--settings", str(settings.folder)] if settings else []
+        pace = ["--advance", str(advance)] if advance else []
         self.process = subprocess.Popen(
-            [str(ROOT / "tools" / "private-screen"), "--speech", str(ROOT / "samples" / "speech.txt"), str(KESTRUM),
-             "record", str(deck), "--advance", str(advance)],
+            [str(ROOT / "tools" / "private-screen"), "--speech", str(ROOT / "samples" / "speech.txt"), *kept,
+             str(KESTRUM), command, str(deck), *pace, *options],
             stdout=self._log, stderr=subprocess.STDOUT, start_new_session=True)
 
     def children(self, name):
@@ -117,24 +143,42 @@ class Recording:
             grown, below = bool(more), below | more
         return [int(pid) for pid, _, program in rows if int(pid) in below and program.strip().startswith(name)]
 
-    def wait_for_entries(self, package, count):
-        """Waits until the growing package shows this many entries."""
+    def environment(self):
+        """The environment in which the recorder runs: its screen, its sound server, its settings."""
+        for pid in self.children("kestrum"):
+            words = environment_of(pid)
+            if "PULSE_SERVER" in words:
+                return words
+        raise AssertionError("no recorder runs:\n" + self.output())
+
+    def wait_until(self, what, condition):
+        """Waits until the condition holds; the recording must go on meanwhile."""
         deadline = time.monotonic() + PATIENCE
         while time.monotonic() < deadline:
-            assert self.process.poll() is None, "the recording ended early:\n" + self.output()
-            if package.exists():
-                answer = run(KESTRUM, "info", "--json", package, check=False)
-                if answer.returncode == 0 and len(json.loads(answer.stdout)["index"]) >= count:
-                    return
-            time.sleep(0.3)
-        raise AssertionError(f"never saw {count} entries:\n" + self.output())
+            assert self.process.poll() is None, f"the recording ended before {what}:\n" + self.output()
+            if condition():
+                return
+            time.sleep(0.2)
+        raise AssertionError(f"never saw {what}:\n" + self.output())
 
-    def kill(self, *names):
-        """All of these programs at one moment, so that none can react to the end of another."""
+    def wait_for_entries(self, package, count):
+        """Waits until the growing package shows this many entries."""
+        def has_them():
+            if not package.exists():
+                return False
+            answer = run(KESTRUM, "info", "--json", package, check=False)
+            return answer.returncode == 0 and len(json.loads(answer.stdout)["index"]) >= count
+        self.wait_until(f"{count} entries", has_them)
+
+    def signal(self, number, *names):
+        """A signal for all of these programs at one moment, so that none can react to the end of another."""
         victims = [self.children(name) for name in names]
         assert all(victims), f"not all of {names} run below the recording"
         for pid in sum(victims, []):
-            os.kill(pid, signal.SIGKILL)
+            os.kill(pid, number)
+
+    def kill(self, *names):
+        self.signal(signal.SIGKILL, *names)
 
     def wait(self):
         self.process.wait(timeout=PATIENCE)

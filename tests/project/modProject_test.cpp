@@ -662,6 +662,29 @@ TEST_F(SaveProjectTest, StoresTheFilesOfTheScratchFolder) {
     EXPECT_EQ(w.world.ksLib.Get(ProjectWorld::kPackage)->stored.at("photo"), "own photo");
 }
 
+TEST_F(SaveProjectTest, WhatAnotherProgramStoredMeanwhile_IsNotOverwritten_AndTheUserIsTold) {
+    const std::string recorded = ProjectText(Item("one", "0") + Item("shown meanwhile", "5000"));
+    w.PutPackage(recorded, 60000, {0, 5000});
+    modProject::SaveProject(w.c);
+    EXPECT_EQ(w.StoredProject(), recorded);
+    ASSERT_EQ(w.Boxes().size(), 1U);
+    EXPECT_NE(w.Boxes()[0].find(u"recorded or changed elsewhere"), String::npos);
+}
+
+TEST_F(SaveProjectTest, ASecondSaveOfOurOwn_IsNotTakenForAnothersWork) {
+    modProject::SaveProject(w.c);
+    w.project.g_Project.title = u"Again";
+    modProject::SaveProject(w.c);
+    EXPECT_NE(w.StoredProject().find("Again"), std::string::npos);
+    EXPECT_EQ(w.Boxes(), Texts{});
+}
+
+TEST_F(SaveProjectTest, APackageThatCannotBeReadForAMoment_IsStoredIntoAllTheSame) {
+    w.world.faults.FailCall(u"ksLib.GetExtendDataFromProject", 1, sim::Once);
+    modProject::SaveProject(w.c);
+    EXPECT_TRUE(IsStored());
+}
+
 TEST_F(SaveProjectTest, WithoutAPackagePath_SavesTheProjectFileOnly) {
     w.support.packagePath.clear();
     modProject::SaveProject(w.c);

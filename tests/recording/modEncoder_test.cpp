@@ -179,7 +179,9 @@ TEST_P(EncoderFault, EndsTheShow_TellsItsText_AndKeepsTheMedia) {
 
 INSTANTIATE_TEST_SUITE_P(
     States, EncoderFault,
-    ::testing::Values(FaultText{4, "WAVE buffer overlow!"}, FaultText{5, "VIDEO buffer overlow!"},
+    ::testing::Values(FaultText{-1, "The recording engine stopped unexpectedly. What was recorded so far is kept."},
+                      FaultText{10, "The recording has reached the largest size of a project and was ended."},
+                      FaultText{4, "WAVE buffer overlow!"}, FaultText{5, "VIDEO buffer overlow!"},
                       FaultText{6, "AUDIO buffer overlow!"}, FaultText{7, "CURSOR buffer overlow!"},
                       FaultText{8, "SCREEN buffer overlow!"}, FaultText{9, "MEMORY allocation error!"},
                       FaultText{11, "Get cursor icon error!"},

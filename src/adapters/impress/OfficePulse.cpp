@@ -1,5 +1,6 @@
 #include "adapters/impress/OfficePulse.h"
 
+#include <algorithm>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -35,15 +36,19 @@ bool OfficePulse::Working() {
     return used >= kWorkTicks || sample->state == 'R' || sample->state == 'D';
 }
 
-PatientWait::PatientWait(pid_t pid, Patience patience) : m_pulse(pid), m_patience(patience) {
+PatientWait::PatientWait(pid_t pid, Patience patience, Clock::time_point now)
+    : m_pulse(pid), m_patience(patience), m_lastLook(now) {
     m_pulse.Working();
 }
 
-bool PatientWait::Exhausted() {
-    const auto now = Clock::now();
-    if (m_pulse.Working()) m_lastSign = now;
-    return now - m_lastSign >= std::chrono::milliseconds(m_patience.stillMs) ||
-           now - m_begin >= std::chrono::milliseconds(m_patience.busyMs);
+bool PatientWait::Exhausted(Clock::time_point now) {
+    constexpr Clock::duration kLongestStep = std::chrono::milliseconds(1500);
+    const Clock::duration step = std::min(now - m_lastLook, kLongestStep);
+    m_lastLook = now;
+    m_watched += step;
+    m_still = m_pulse.Working() ? Clock::duration::zero() : m_still + step;
+    return m_still >= std::chrono::milliseconds(m_patience.stillMs) ||
+           m_watched >= std::chrono::milliseconds(m_patience.busyMs);
 }
 
 }  // namespace kestrum::impress

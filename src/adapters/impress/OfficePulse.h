@@ -36,19 +36,23 @@ struct Patience {
     int busyMs = 20000;  ///< one that works all the time
 };
 
-/// One wait for an office. Ask every 100 ms or so.
+/// One wait for an office. Only the time in which somebody watched counts: a machine that stood still, or a program
+/// that was stopped together with its office, is no reason to give an office up.
 class PatientWait {
   public:
-    PatientWait(pid_t pid, Patience patience);
-    /// True when the office has had its time.
-    bool Exhausted();
+    using Clock = std::chrono::steady_clock;
+
+    PatientWait(pid_t pid, Patience patience) : PatientWait(pid, patience, Clock::now()) {}
+    PatientWait(pid_t pid, Patience patience, Clock::time_point now);
+    /// True when the office has had its time. Ask every second or more often.
+    bool Exhausted() { return Exhausted(Clock::now()); }
+    bool Exhausted(Clock::time_point now);
 
   private:
-    using Clock = std::chrono::steady_clock;
     OfficePulse m_pulse;
     Patience m_patience;
-    Clock::time_point m_begin = Clock::now();
-    Clock::time_point m_lastSign = m_begin;
+    Clock::time_point m_lastLook;
+    Clock::duration m_watched{}, m_still{};
 };
 
 }  // namespace kestrum::impress

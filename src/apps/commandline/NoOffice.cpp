@@ -17,8 +17,9 @@ class Silence final : public host::ISubscription {};
 String NoOffice::Version() {
     return u"16.0";
 }
+// Not zero: that would mean a host that has just started, in which no recording can be running.
 std::int32_t NoOffice::PresentationCount() {
-    return 0;
+    FailWithoutPresentation(u"PresentationCount");
 }
 std::unique_ptr<host::IPresentation> NoOffice::ActivePresentation() {
     FailWithoutPresentation(u"ActivePresentation");

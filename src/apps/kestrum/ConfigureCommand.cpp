@@ -12,12 +12,12 @@ namespace kestrum::app {
 namespace {
 
 /// The package whose settings are asked for, empty for none. A deck that was never recorded gets its package now.
-String PackageFor(const support::Context& c, const std::string& source) {
+String PackageFor(const support::Context& c, host::IPackageInspector& inspector, const std::string& source) {
     if (source.empty()) return {};
     const String path = FullPath(source);
     const String package = PackageOf(path);
     const bool isNew = package != path && c.host.fs.FileExists(path) && !c.host.fs.FileExists(package);
-    if (!isNew) RefuseUnlessPackage(c, package, u"configure");
+    if (!isNew) RefuseUnlessPackage(c, inspector, package, u"configure");
     return package;
 }
 
@@ -28,7 +28,7 @@ int RunConfigure(Console& console, const ConfigureRequest& request) {
     NoOffice office;
     host::Host ports = program.Ports(office);
     Session session(ports);
-    const String package = PackageFor(session.c, request.source);
+    const String package = PackageFor(session.c, program.Inspector(), request.source);
 
     int signal = 0;
     const platform::EndSignals endSignals(program.Loop(), [&](int number) {

@@ -15,12 +15,17 @@ String PackageOf(const String& source) {
     return source.ends_with(kPackageEnding) ? source : modGlobal::PackagePathOf(source);
 }
 
-void RefuseUnlessPackage(const support::Context& c, const String& package, const String& source) {
+void RefuseUnlessPackage(const support::Context& c, host::IPackageInspector& inspector, const String& package,
+                         const String& source) {
     String sentence;
     if (!c.host.fs.FileExists(package)) {
         sentence = Sentence(c, u"msgNoPackage", u"There is no package \"%s1\".", {package});
     } else if (c.host.ksLib.GetFileFormatVersion(package) == 0) {
         sentence = Sentence(c, u"msgNotAPackage", u"\"%s1\" is not a Kestrum package.", {package});
+    } else if (inspector.Inspect(package, false, {}).state == host::PackageState::Recording) {
+        sentence =
+            Sentence(c, u"msgInUse",
+                     u"\"%s1\" is being recorded or written at the moment; try again when that has ended.", {package});
     }
     if (!sentence.empty()) throw host::Error(host::ErrorNumber::FileNotFound, source, sentence);
 }

@@ -89,7 +89,7 @@ struct Outcome {
 Outcome PublishOne(Console& console, const PublishRequest& request, const String& package) {
     BatchProgram program(console);
     Session session(program.Host());
-    RefuseUnlessPackage(session.c, package, u"publish");
+    RefuseUnlessPackage(session.c, program.Inspector(), package, u"publish");
     Outcome outcome;
     const platform::EndSignals endSignals(program.Loop(), [&](int number) {
         outcome.signal = number;

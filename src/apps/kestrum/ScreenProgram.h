@@ -27,6 +27,7 @@ class ScreenProgram {
     host::Host Ports(host::IApplication& office);
     qt::QtEventLoop& Loop() { return m_loop; }
     host::IMonitors& Monitors() { return m_monitors; }
+    host::IPackageInspector& Inspector() { return m_media.inspector; }
     /// The last message that a box or a form showed when nobody was there; empty if there was none.
     const String& LastMessage() const;
 
