@@ -39,7 +39,7 @@ wire::PackageFiles ToWire(const String& package, const host::StoredFiles& files)
 
 }  // namespace
 
-MediaKsLib::MediaKsLib(WorkerLink& worker) : m_worker(worker) {}
+MediaKsLib::MediaKsLib(WorkerLink& worker, IDrawingBoard* board) : m_worker(worker), m_board(board) {}
 
 // --- Recording -----------------------------------------------------------------------------------------------------
 
@@ -137,6 +137,24 @@ bool MediaKsLib::IsPictureUniform(const host::Rect& area) {
     const wire::Probe probe{{}, area.left, area.top, area.right - area.left, area.bottom - area.top};
     const auto answer = m_worker.Ask<wire::Uniformity>(Kind::kProbe, probe);
     return answer && answer->isUniform != 0;
+}
+
+// --- Pen, canvas, whiteboard ---------------------------------------------------------------------------------------
+
+void MediaKsLib::OpenSheet(IDrawingBoard::Sheet sheet) {
+    if (m_board) m_board->Open(sheet, {m_area.x, m_area.y, m_area.x + m_area.width, m_area.y + m_area.height});
+}
+
+void MediaKsLib::CloseSheet(IDrawingBoard::Sheet sheet) {
+    if (m_board) m_board->Close(sheet);
+}
+
+std::int32_t MediaKsLib::IsSheetOpen(IDrawingBoard::Sheet sheet) const {
+    return m_board && m_board->IsOpen(sheet) ? 1 : 0;
+}
+
+void MediaKsLib::SetPenAttr(std::int32_t width, std::int32_t colour) {
+    if (m_board) m_board->SetPen(width, colour);
 }
 
 // --- The package ---------------------------------------------------------------------------------------------------

@@ -1,7 +1,8 @@
 // The media library over the worker. Decides what a request of the rules is in the worker's terms, which devices have
 // which names, and what a failure of the worker looks like to a caller that knows only numbers.
 //
-// Pen, canvas and whiteboard are not drawn by this worker: they answer as a library whose machine has none of them.
+// Canvas and whiteboard are those of the drawing board, if there is one. Strokes need no word to this worker, which
+// records whatever is drawn on the screen when it is drawn: StartDraw and EndDraw do nothing.
 #pragma once
 
 #include <map>
@@ -11,6 +12,7 @@
 #include <vector>
 
 #include "adapters/media/DeviceNames.h"
+#include "adapters/media/IDrawingBoard.h"
 #include "adapters/media/WorkerLink.h"
 #include "host/IKsLib.h"
 
@@ -18,8 +20,8 @@ namespace kestrum::adapters {
 
 class MediaKsLib : public host::IKsLib {
   public:
-    /// `worker` outlives this object.
-    explicit MediaKsLib(WorkerLink& worker);
+    /// Both outlive this object. A program without a screen has no board: no sheet opens then.
+    explicit MediaKsLib(WorkerLink& worker, IDrawingBoard* board = nullptr);
 
     std::int32_t ksResetAVDevice() override;
     std::int32_t EncoderState() override;
@@ -42,13 +44,13 @@ class MediaKsLib : public host::IKsLib {
 
     void StartDraw() override {}
     void EndDraw() override {}
-    void CreateCanvas() override {}
-    void DeleteCanvas() override {}
-    std::int32_t CanvasEnabled() override { return 0; }
-    void CreateWhiteboard() override {}
-    void DeleteWhiteboard() override {}
-    std::int32_t WhiteboardEnabled() override { return 0; }
-    void SetPenAttr(std::int32_t, std::int32_t) override {}
+    void CreateCanvas() override { OpenSheet(IDrawingBoard::Sheet::Canvas); }
+    void DeleteCanvas() override { CloseSheet(IDrawingBoard::Sheet::Canvas); }
+    std::int32_t CanvasEnabled() override { return IsSheetOpen(IDrawingBoard::Sheet::Canvas); }
+    void CreateWhiteboard() override { OpenSheet(IDrawingBoard::Sheet::Whiteboard); }
+    void DeleteWhiteboard() override { CloseSheet(IDrawingBoard::Sheet::Whiteboard); }
+    std::int32_t WhiteboardEnabled() override { return IsSheetOpen(IDrawingBoard::Sheet::Whiteboard); }
+    void SetPenAttr(std::int32_t width, std::int32_t colour) override;
 
     std::int32_t ksQueryVideoDevice(String& devices) override;
     std::int32_t ksQueryAudioDevice(String& devices) override;
@@ -97,8 +99,12 @@ class MediaKsLib : public host::IKsLib {
     wire::CameraChoice ChosenCamera() const;
     std::optional<wire::Volume> MicrophoneVolume();
     void NoteRecovery(const wire::Recovery& recovery);
+    void OpenSheet(IDrawingBoard::Sheet sheet);
+    void CloseSheet(IDrawingBoard::Sheet sheet);
+    std::int32_t IsSheetOpen(IDrawingBoard::Sheet sheet) const;
 
     WorkerLink& m_worker;
+    IDrawingBoard* const m_board;
     String m_lastRecovery;
 
     // What outlives a job, as the state of a library in the own process would.

@@ -69,4 +69,15 @@ void MarkOwnWindow(const QWidget& widget, bool excludedFromCapture) {
     Mark(widget.winId(), excludedFromCapture);
 }
 
+bool IsOwnWindow(WId window) {
+    xcb_connection_t* connection = DisplayConnection();
+    if (!connection) return false;
+    const auto cookie = xcb_get_property(connection, 0, static_cast<xcb_window_t>(window), OwnWindowAtom(connection),
+                                         XCB_ATOM_CARDINAL, 0, 1);
+    xcb_get_property_reply_t* reply = xcb_get_property_reply(connection, cookie, nullptr);
+    const bool marked = reply && xcb_get_property_value_length(reply) > 0;
+    std::free(reply);
+    return marked;
+}
+
 }  // namespace kestrum::qt

@@ -25,4 +25,7 @@ class QtApplication {
 /// Writes the mark on the native window of `widget`.
 void MarkOwnWindow(const QWidget& widget, bool excludedFromCapture);
 
+/// The window bears the mark, whatever it says; this process' windows and those of other recorders do.
+bool IsOwnWindow(WId window);
+
 }  // namespace kestrum::qt

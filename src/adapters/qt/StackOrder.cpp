@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "adapters/qt/QtApplication.h"
 #include "adapters/qt/XcbDisplay.h"
 
 namespace kestrum::qt {
@@ -11,6 +12,15 @@ namespace {
 
 template <class Reply>
 using ReplyPtr = std::unique_ptr<Reply, decltype(&std::free)>;
+
+/// From the bottom to the top.
+std::vector<xcb_window_t> TopLevelWindows(xcb_connection_t* connection) {
+    const ReplyPtr<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(connection, xcb_query_tree(connection, RootOf(connection)), nullptr), std::free);
+    if (!tree) return {};
+    const xcb_window_t* children = xcb_query_tree_children(tree.get());
+    return {children, children + xcb_query_tree_children_length(tree.get())};
+}
 
 bool IsViewable(xcb_connection_t* connection, xcb_window_t window) {
     const ReplyPtr<xcb_get_window_attributes_reply_t> reply(
@@ -21,21 +31,39 @@ bool IsViewable(xcb_connection_t* connection, xcb_window_t window) {
 }  // namespace
 
 bool AreOnTop(const std::vector<WId>& windows) {
-    xcb_connection_t* connection = DisplayConnection();
-    if (!connection || windows.empty()) return true;
-    const ReplyPtr<xcb_query_tree_reply_t> tree(
-        xcb_query_tree_reply(connection, xcb_query_tree(connection, RootOf(connection)), nullptr), std::free);
-    if (!tree) return true;
-    const xcb_window_t* children = xcb_query_tree_children(tree.get());
+    xcb_connection_t* const connection = DisplayConnection();
+    if (!connection) return true;
+    const std::vector<xcb_window_t> stack = TopLevelWindows(connection);
     std::size_t ours = windows.size();
-    for (int i = xcb_query_tree_children_length(tree.get()) - 1; i >= 0 && ours > 0; --i) {
-        if (std::find(windows.begin(), windows.end(), children[i]) != windows.end()) {
+    for (auto at = stack.rbegin(); at != stack.rend() && ours > 0; ++at) {
+        if (std::find(windows.begin(), windows.end(), *at) != windows.end()) {
             --ours;
-        } else if (IsViewable(connection, children[i])) {
+        } else if (IsViewable(connection, *at)) {
             return false;
         }
     }
     return true;
+}
+
+bool IsCovered(const std::vector<WId>& windows) {
+    xcb_connection_t* const connection = DisplayConnection();
+    if (!connection) return false;
+    bool above = false;
+    for (const xcb_window_t window : TopLevelWindows(connection)) {
+        if (std::find(windows.begin(), windows.end(), window) != windows.end()) {
+            above = true;
+        } else if (above && IsViewable(connection, window) && !IsOwnWindow(window)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void AwaitServer() {
+    xcb_connection_t* const connection = DisplayConnection();
+    if (!connection) return;
+    const ReplyPtr<xcb_get_input_focus_reply_t> any(
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr), std::free);
 }
 
 }  // namespace kestrum::qt

@@ -35,7 +35,7 @@ class BatchProgram {
     NoFileDialog m_fileDialog;
     NoScreen m_screen{m_loop};
     UnattendedPresenter m_presenter;
-    MediaPorts m_media{m_loop};
+    MediaPorts m_media{m_loop, nullptr};
     host::Host m_host;
 };
 

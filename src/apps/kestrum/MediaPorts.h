@@ -15,10 +15,12 @@ inline String WorkerProgram() {
 }
 
 struct MediaPorts {
-    explicit MediaPorts(host::IEventLoop& loop) : worker(host::ToUtf8(WorkerProgram()), loop) {}
+    /// `board` is where one draws over a show, null without a screen; it outlives this.
+    MediaPorts(host::IEventLoop& loop, adapters::IDrawingBoard* board)
+        : worker(host::ToUtf8(WorkerProgram()), loop), ksLib(worker, board) {}
 
     adapters::WorkerLink worker;
-    adapters::MediaKsLib ksLib{worker};
+    adapters::MediaKsLib ksLib;
     adapters::MediaOptimize ksOptimize{WorkerProgram(), ksLib};
     adapters::MediaRecSystemAudio recSystemAudio{worker};
     adapters::MediaInspector inspector{worker};

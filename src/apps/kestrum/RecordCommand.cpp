@@ -108,6 +108,7 @@ int RunRecord(Console& console, const RecordRequest& request) {
     const auto office = OpenOffice(program, console, deck, request.from);
 
     host::Host ports = program.Ports(office->Application());
+    const auto slidesDrawnOn = office->Application().Subscribe(program.DrawingBoard());
     Session session(ports);
     DisarmMarkerOfDeadRecorder(session.c);
     session.Connect();

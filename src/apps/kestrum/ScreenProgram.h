@@ -8,6 +8,7 @@
 #include "adapters/linux/X11Monitors.h"
 #include "adapters/linux/X11Windows.h"
 #include "adapters/qt/QtApplication.h"
+#include "adapters/qt/QtDrawingBoard.h"
 #include "adapters/qt/QtEventLoop.h"
 #include "adapters/qt/QtFileDialog.h"
 #include "adapters/qt/QtMessageBox.h"
@@ -28,6 +29,8 @@ class ScreenProgram {
     qt::QtEventLoop& Loop() { return m_loop; }
     host::IMonitors& Monitors() { return m_monitors; }
     host::IPackageInspector& Inspector() { return m_media.inspector; }
+    /// What the drawing board wants to hear of the office: the slides that come on screen.
+    host::IApplicationEvents& DrawingBoard() { return m_board; }
     /// The last message that a box or a form showed when nobody was there; empty if there was none.
     const String& LastMessage() const;
 
@@ -53,7 +56,8 @@ class ScreenProgram {
     UnattendedBox m_answers;
     qt::QtPresenter m_screen{m_loop};
     UnattendedPresenter m_presenter;
-    MediaPorts m_media{m_loop};
+    qt::QtDrawingBoard m_board{m_loop};
+    MediaPorts m_media{m_loop, &m_board};
 };
 
 }  // namespace kestrum::app
