@@ -1,6 +1,7 @@
 #include "recording/frmRecStatus.h"
 
 #include "host/ResumeNext.h"
+#include "recording/RecordingLight.h"
 #include "support/modGlobal.h"
 #include "support/modMonitor.h"
 
@@ -22,7 +23,7 @@ frmRecStatus::frmRecStatus(const recording::Context& c) : Form(c.forms, u"frmRec
               .excludedFromCapture = true,
               .closable = false,
               .activates = false});
-    Label1.SetCaption(u"\u25CF");  // the red light
+    recording::MakeRecordingLight(Label1);
     Label2.SetCaption(kAtStart);
     SetLayout(ui::Row({Label1, Label2}));
     RecTimer.onTimer = [this] { RecTimer_Timer(); };

@@ -77,6 +77,7 @@ class frmViewer : public ui::Form, private host::IApplicationEvents {
     // The start.
     void PrepareAndRecord();
     void FirstSlide(host::ISlideShowWindow& window);
+    void ShowRunningTime();
     bool StartIsRefused();
     void FailStart();
     enum class Masks { ByRegion, IfLoaded };

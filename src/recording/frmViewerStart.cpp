@@ -4,6 +4,7 @@
 #include "project/modProject.h"
 #include "project/modSlide.h"
 #include "recording/frmNotice.h"
+#include "recording/frmRecDot.h"
 #include "recording/frmRecStatus.h"
 #include "recording/frmViewer.h"
 #include "recording/modCapture.h"
@@ -59,8 +60,15 @@ void frmViewer::PrepareAndRecord() {
     // A dialog may have outlived the show, and another may run by now: that one is not ours to record or to end.
     if (show != r.showNumber) return UndoStart(Masks::IfLoaded);
     if (!ready || !StartPowerPointRecord()) return FailStart();
-    if (ShowsRecStatus(m_c)) m_c.forms.Get<frmRecStatus>(m_c).Show();
+    if (ShowsRecStatus(m_c)) ShowRunningTime();
     Try([&] { r.g_ShowWindow->Activate(); });
+}
+
+// Painted before the host is asked anything more: it takes its time.
+void frmViewer::ShowRunningTime() {
+    auto& clock = m_c.forms.Get<frmRecStatus>(m_c);
+    clock.Show();
+    clock.Refresh();
 }
 
 bool frmViewer::StartIsRefused() {
@@ -149,6 +157,7 @@ bool frmViewer::StartPowerPointRecord() {
         if (modViewer::RegionIsSmaller(m_c)) modViewer::UnloadMasks(m_c);
         return false;
     }
+    if (!ShowsRecStatus(m_c)) m_c.forms.Get<frmRecDot>(m_c).Light();
     m_c.host.ksLib.SetVolumeMeter([this](std::int32_t level) {
         constexpr std::int32_t kAudioLevel = 1143;
         OnMessage(host::WindowMessage{kAudioLevel, level, 0, {}});

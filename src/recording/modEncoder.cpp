@@ -215,6 +215,7 @@ bool StopEncoder(const recording::Context& c) {
             modLanguage::GetResString(c, u"frmCommon", u"msgEncoderStop", u"Finishing the recording ..."));
         c.host.loop.DoEvents();
         c.host.ksLib.EncoderStop(kLongestTenths);
+        modViewer::UnloadForm(c, u"frmRecDot");
         modViewer::UnloadForm(c, u"frmStatus");
         if (modViewer::RegionIsSmaller(c)) modViewer::UnloadMasks(c);
         if (c.host.ksLib.EncoderState() == host::encoder_state::kFileError) {

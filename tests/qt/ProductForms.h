@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QScreen>
 #include <filesystem>
 
 #include "Places.h"
@@ -42,6 +43,10 @@ class ProductFormsTest : public testing::Test, protected test::PublishWorld {
         const QString name = QString::fromStdString(folder + "/") + ToQt(form.Name()) +
                              QString::fromStdString(variant) + QStringLiteral(".png");
         EXPECT_TRUE(WindowOf(form).grab().save(name));
+    }
+    /// What a person sees at a place of the screen.
+    static QColor OnScreen(const QPoint& place) {
+        return QGuiApplication::primaryScreen()->grabWindow(0, place.x(), place.y(), 1, 1).toImage().pixelColor(0, 0);
     }
     QRect DisplayRect() const { return {0, 0, Screen::kWidth, Screen::kHeight}; }
 

@@ -12,7 +12,9 @@
 
 #include "Places.h"
 #include "qt/ProductForms.h"
+#include "real/Desktop.h"
 #include "recording/frmMask1.h"
+#include "recording/frmRecDot.h"
 #include "recording/frmRecStatus.h"
 #include "recording/frmTopmost.h"
 #include "support/frmMsgBox.h"
@@ -62,6 +64,36 @@ TEST_F(ProductFormsTest, RecordingClock_LiesWhollyOnTheScreen_AtItsCorner) {
         EXPECT_TRUE(WindowOf(clock).rect().contains(label->geometry()));
     }
     EXPECT_TRUE(PumpUntil([&] { return WidgetWithText<QLabel>(clock, "REC 00:00:01") != nullptr; }));
+}
+
+TEST_F(ProductFormsTest, RecordingLight_IsARedDiscAtTheCorner) {
+    auto& light = forms.Get<frmRecDot>(recordHere);
+    light.Light();
+    Keep(light);
+    const QRect window = WindowOf(light).geometry();
+    EXPECT_EQ(window, QRect(Screen::kWidth - 40, Screen::kHeight - 40, 30, 30));
+    const QColor disc = OnScreen(window.center());
+    EXPECT_GT(disc.red(), 200);
+    EXPECT_LT(disc.green(), 120);
+}
+
+TEST_F(ProductFormsTest, SeeThroughWindows_LetTheShowBeSeen_WithACompositor_AndCoverItWithout) {
+    QWidget show(nullptr, Qt::Window | Qt::BypassWindowManagerHint);
+    show.setGeometry(0, 0, Screen::kWidth, Screen::kHeight);
+    show.setPalette(QPalette(Qt::white));
+    show.show();
+    auto& mask = forms.Get<frmMask1>(recordHere);
+    mask.Cover({0, 0, 100, 600});
+    const QColor plate(0x24, 0x2B, 0x35);
+    EXPECT_TRUE(PumpUntil([&] { return OnScreen({50, 300}) == plate; }));
+    {
+        const auto compositor = real::StartCompositor(screen.Display());
+        const int blended = (plate.red() * 150 + 255 * 105) / 255;
+        EXPECT_TRUE(PumpUntil([&] { return std::abs(OnScreen({50, 300}).red() - blended) <= 3; }));
+        EXPECT_TRUE(PumpUntil([&] { return OnScreen({300, 300}) == QColor(Qt::white); }));
+    }
+    show.update();
+    EXPECT_TRUE(PumpUntil([&] { return OnScreen({50, 300}) == plate; }));
 }
 
 TEST_F(ProductFormsTest, Mask_CoversExactlyWhatItIsGiven) {

@@ -198,7 +198,8 @@ TEST_F(Lecture, LargestSize_EndsTheRecordingWithTheMediaIntact) {
 
 TEST_F(Lecture, UnknownState_EndsTheRecordingWithoutAMessage) {
     Play().PressRecord().At(5s).EncoderReports(99).At(20s).Run();
-    EXPECT_EQ(world.presenter.Transcript().size(), 6U);  // the notice and two status lines, shown and closed
+    // The notice, two status lines and the red light, shown and closed.
+    EXPECT_EQ(world.presenter.Transcript().size(), 8U);
     ExpectAtRest();
 }
 

@@ -90,6 +90,7 @@ class LabelView : public ControlView {
   protected:
     void SyncValues(int textWidth) override {
         const QString text = WithPlainLineEnds(ToQt(m_model.Caption()));
+        SyncColour();
         m_view.setLayoutDirection(text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
         if (m_view.ScrollsIfTooTall(text, textWidth)) return;
         m_view.setAlignment(ToQtAlignment(m_model.TextAlignment()));
@@ -103,6 +104,15 @@ class LabelView : public ControlView {
     }
 
   private:
+    void SyncColour() {
+        const auto colour = static_cast<std::uint32_t>(m_model.ForeColour());
+        const QString style =
+            m_model.ForeColour() < 0
+                ? QString()
+                : QStringLiteral("color: rgb(%1, %2, %3)").arg(colour & 0xFF).arg(colour >> 8 & 0xFF).arg(colour >> 16);
+        if (style != m_view.styleSheet()) m_view.setStyleSheet(style);
+    }
+
     ui::Label& m_model;
     TextLabel& m_view;
 };

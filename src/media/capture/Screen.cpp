@@ -163,8 +163,11 @@ class Screen::Impl {
 
     /// Reads all that is due, own windows left out. False if a window moved meanwhile: the rest is still due then.
     bool Take(BgraPicture& picture, ChangeMap& changes, bool everywhere) {
+        // Where windows moved below an own one, what is beside it is taken at the same moment.
+        const bool moved = own->IsStale();
         const Areas bared = own->Update(everywhere);
         due.insert(due.end(), bared.begin(), bared.end());
+        if (moved && !own->Hidden().empty()) due = {{0, 0, area.width, area.height}};
         for (; !due.empty(); due.pop_back()) {
             if (!Read(due.back(), picture, changes)) return false;
         }

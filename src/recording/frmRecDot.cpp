@@ -1,0 +1,34 @@
+#include "recording/frmRecDot.h"
+
+#include "recording/RecordingLight.h"
+#include "support/modMonitor.h"
+
+namespace kestrum {
+
+frmRecDot::frmRecDot(const recording::Context& c) : Form(c.forms, u"frmRecDot"), m_c(c) {
+    constexpr std::int32_t kOpacity = 150;  // as the running time
+    SetStyle({.topmost = true,
+              .borderless = true,
+              .layered = true,
+              .opacity = kOpacity,
+              .excludedFromCapture = true,
+              .closable = false,
+              .activates = false});
+    Label1.SetTextAlignment(ui::Alignment::Centre);
+    recording::MakeRecordingLight(Label1);
+    SetLayout(ui::Column({Label1}));
+}
+
+void frmRecDot::OnLoad() {
+    constexpr std::int32_t kSize = 30, kMargin = 10;  // pixels
+    const std::int32_t width = modMonitor::GetMonitorWidth(m_c, 0, modMonitor::kPixels);
+    const std::int32_t height = modMonitor::GetMonitorHeight(m_c, 0, modMonitor::kPixels);
+    SetBounds(width - kSize - kMargin, height - kSize - kMargin, kSize, kSize);
+}
+
+void frmRecDot::Light() {
+    Show();
+    Refresh();
+}
+
+}  // namespace kestrum
