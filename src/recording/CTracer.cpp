@@ -20,10 +20,11 @@ void CTracer::StartMouseTracing(host::WindowHandle window) {
     if (windows.Property(window, modHook::kMouseProperty) != 0) return;
     if (!windows.SetProperty(window, modHook::kMouseProperty, modHook::ReferenceTo(this))) return;
     m_hook = modHook::InstallMouse(m_c);
+    m_isHandleSet = m_hook != nullptr;
 }
 
 void CTracer::StopMouseTracing() {
-    if (!m_hook) return;
+    if (!m_isHandleSet) return;
     m_c.host.windows.RemoveProperty(m_c.recording.mouseHookWindow, modHook::kMouseProperty);
     m_hook.reset();
 }

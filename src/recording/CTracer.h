@@ -37,6 +37,8 @@ class CTracer {
 
     recording::Context m_c;
     std::unique_ptr<host::IHook> m_hook;
+    /// A stop leaves the handle's value in place, unlike CHooker's: a second stop takes the property away again.
+    bool m_isHandleSet = false;
     host::MouseRecord m_record;
 };
 

@@ -140,11 +140,13 @@ void frmViewer::YieldToEvents() {
     }
 }
 
+// The recording may end in the events that run meanwhile: a sheet opened then would never be closed.
 void frmViewer::ToggleCanvas() {
     host::IKsLib& library = m_c.host.ksLib;
     if (library.WhiteboardEnabled() == 1) {
         library.DeleteWhiteboard();
         YieldToEvents();
+        if (!m_c.recording.g_Recording) return;
     }
     SetCanvasPen(library);
     library.CanvasEnabled() == 1 ? library.DeleteCanvas() : library.CreateCanvas();
@@ -155,6 +157,7 @@ void frmViewer::ToggleWhiteboard() {
     if (library.CanvasEnabled() == 1) {
         library.DeleteCanvas();
         YieldToEvents();
+        if (!m_c.recording.g_Recording) return;
     }
     SetCanvasPen(library);
     library.WhiteboardEnabled() == 1 ? library.DeleteWhiteboard() : library.CreateWhiteboard();

@@ -108,5 +108,86 @@ TEST_F(Hooks, HandlerThatEndsItsTracer_IsSurvived) {
     EXPECT_EQ(world.hooks.MouseHooks(), 0U);
 }
 
+TEST_F(Hooks, EachMouseMessage_RaisesItsOwnEvent) {
+    std::vector<int> events;
+    const auto tell = [&events](int number) { return [&events, number] { events.push_back(number); }; };
+    tracer.OnSystemMouseMove = tell(1);
+    tracer.OnSystemMouseWheel = tell(2);
+    tracer.OnSystemMouseLeftDown = tell(3);
+    tracer.OnSystemMouseLeftUp = tell(4);
+    tracer.OnSystemMouseRightDown = tell(5);
+    tracer.OnSystemMouseRightUp = tell(6);
+    tracer.OnSystemMouseMiddleDown = tell(7);
+    tracer.OnSystemMouseMiddleUp = tell(8);
+    tracer.StartMouseTracing(window);
+    for (std::int32_t message = 511; message <= 523; ++message) world.hooks.Mouse(0, message, {});
+    EXPECT_EQ(events, (std::vector<int>{1, 3, 4, 5, 6, 7, 8, 2}));
+    EXPECT_EQ(world.hooks.chained, 8) << "only an event that is known is passed on";
+}
+
+TEST_F(Hooks, SecondHookerOnAWindow_NeitherHooksNorReplacesTheFirst) {
+    hooker.StartKeyHooking(window);
+    CHooker second(session.c);
+    int heard = 0;
+    second.OnSystemKeyUp = [&](std::int32_t) { ++heard; };
+    second.StartKeyHooking(window);
+    EXPECT_EQ(world.hooks.KeyHooks(), 1U);
+    world.hooks.Key(0, 65, kGoingUp);
+    EXPECT_EQ(keys.size(), 1U);
+    EXPECT_EQ(heard, 0);
+}
+
+TEST_F(Hooks, PropertyThatCannotBeSet_MeansNoHook) {
+    world.windows.refuseProperties = true;
+    tracer.StartMouseTracing(window);
+    hooker.StartKeyHooking(window);
+    EXPECT_EQ(world.hooks.MouseHooks() + world.hooks.KeyHooks(), 0U);
+}
+
+TEST_F(Hooks, RefusedMouseHook_LeavesNothingToStop_AndItsProperty) {
+    world.faults.FailCall(u"hooks.InstallMouseHook", 1, sim::Once);
+    tracer.StartMouseTracing(window);
+    tracer.StopMouseTracing();
+    EXPECT_NE(world.windows.Property(window, u"MouseHook"), 0U) << "a stop has nothing to do without a hook";
+}
+
+TEST_F(Hooks, SecondStop_TakesThePropertyAgain_OfATracerButNotOfAHooker) {
+    tracer.StartMouseTracing(window);
+    hooker.StartKeyHooking(window);
+    tracer.StopMouseTracing();
+    hooker.StopKeyHooking();
+    CTracer laterTracer(session.c);
+    CHooker laterHooker(session.c);
+    laterTracer.StartMouseTracing(window);
+    laterHooker.StartKeyHooking(window);
+    tracer.StopMouseTracing();
+    hooker.StopKeyHooking();
+    EXPECT_EQ(world.windows.Property(window, u"MouseHook"), 0U) << "the tracer's handle kept its value";
+    EXPECT_NE(world.windows.Property(window, u"KeyHook"), 0U);
+    EXPECT_EQ(world.hooks.Mouse(0, 513, {}), 0) << "the callback finds no object";
+    EXPECT_EQ(downs, 0);
+}
+
+TEST_F(Hooks, EndOfTheObject_StopsTheHook) {
+    {
+        CTracer shortTracer(session.c);
+        CHooker shortHooker(session.c);
+        shortTracer.StartMouseTracing(window);
+        shortHooker.StartKeyHooking(window);
+        EXPECT_EQ(world.hooks.MouseHooks() + world.hooks.KeyHooks(), 2U);
+    }
+    EXPECT_EQ(world.hooks.MouseHooks() + world.hooks.KeyHooks(), 0U);
+    EXPECT_EQ(world.windows.Property(window, u"MouseHook") + world.windows.Property(window, u"KeyHook"), 0U);
+}
+
+TEST_F(Hooks, WindowUnderTheMouse_IsAskedByTheSystemsVersion_AndItsTitleIsCut) {
+    world.hooks.windowAtPoint = world.windows.AddForeign(u"old", u"Old");
+    world.hooks.windowAtPhysicalPoint = world.windows.AddForeign(u"new", String(300, u'n'));
+    EXPECT_EQ(tracer.WindowHandleUnderMouse(), world.hooks.windowAtPhysicalPoint);
+    EXPECT_EQ(tracer.WindowTextUnderMouse(), String(255, u'n'));
+    session.support.g_OsVersion = 51;
+    EXPECT_EQ(tracer.WindowTextUnderMouse(), u"Old");
+}
+
 }  // namespace
 }  // namespace kestrum

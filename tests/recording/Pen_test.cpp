@@ -115,5 +115,29 @@ TEST_F(Lecture, CanvasKey_WithoutARecording_DoesNothing) {
     EXPECT_FALSE(world.transcript.Has(u"ksLib.CreateCanvas"));
 }
 
+TEST_F(Lecture, F8_WorksInARecording_50MsAfterTheKey_AndOtherKeysDoNot) {
+    Play()
+        .PressRecord()
+        .At(5s)
+        .PressKey(120)
+        .At(5200ms)
+        .Do([this] { EXPECT_EQ(world.app.pointerType, host::PointerType::Arrow); })
+        .PressKey(kF8)
+        .At(5240ms)
+        .Do([this] { EXPECT_EQ(world.app.pointerType, host::PointerType::Arrow) << "the key only arms a timer"; })
+        .At(5300ms)
+        .Do([this] { EXPECT_EQ(world.app.pointerType, host::PointerType::Pen); })
+        .At(9s)
+        .PressEscape()
+        .At(20s)
+        .Run();
+}
+
+TEST_F(Lecture, F8Timer_WithoutARunningShow_ChangesNothing) {
+    Play().StartShow().At(1s).PressKey(kF8).After(10ms).PressEscape().At(3s).Run();
+    EXPECT_EQ(world.app.pointerType, host::PointerType::Arrow);
+    EXPECT_EQ(world.transcript.Count(u"show begin"), 1) << "asking for the show must not start one";
+}
+
 }  // namespace
 }  // namespace kestrum
