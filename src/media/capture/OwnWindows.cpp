@@ -81,7 +81,8 @@ void OwnWindows::Follow() {
     m_changed = m_hidden;
 }
 
-Areas OwnWindows::TakeChanged(bool everywhere) {
+Areas OwnWindows::TakeChanged(bool isScreenDrawn, bool everywhere) {
+    if (m_stack.HasCompositor() && !isScreenDrawn && !everywhere) return {};
     for (const Area& drawn : m_pictures.TakeDrawn()) {
         const Areas parts = Intersect(m_hidden, Moved(drawn, -m_area.x, -m_area.y));
         m_changed.insert(m_changed.end(), parts.begin(), parts.end());

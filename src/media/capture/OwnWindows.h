@@ -22,7 +22,7 @@ class OwnWindows {
 
     void Handle(const xcb_generic_event_t& event);
     /// Windows moved, or something was drawn below an own one.
-    bool HasNews() const { return m_stack.IsStale() || m_pictures.HasNews(); }
+    bool HasNews() const { return m_stack.IsStale() || (m_pictures.HasNews() && !m_stack.HasCompositor()); }
     /// Windows moved: what Hidden answers may be out of date.
     bool IsStale() const { return m_stack.IsStale(); }
 
@@ -31,8 +31,10 @@ class OwnWindows {
     Areas Update(bool again);
     /// What must not be taken from the screen as it is.
     const Areas& Hidden() const { return m_hidden; }
-    /// The parts of Hidden that changed since the last call; all of it if asked for `everywhere`.
-    Areas TakeChanged(bool everywhere);
+    /// The parts of Hidden that changed since the last call; all of it if asked for `everywhere`. With a compositor
+    /// what was drawn reaches the screen a little later: then it counts from when the screen was drawn
+    /// (`isScreenDrawn`), so that all of a picture shows the same moment.
+    Areas TakeChanged(bool isScreenDrawn, bool everywhere);
     /// `part` as it looks without own windows; where nothing is known, as in `picture`.
     std::vector<std::uint32_t> Compose(const Area& part, const BgraPicture& picture);
 

@@ -168,10 +168,11 @@ class Screen::Impl {
         const Areas bared = own->Update(everywhere);
         due.insert(due.end(), bared.begin(), bared.end());
         if (moved && !own->Hidden().empty()) due = {{0, 0, area.width, area.height}};
+        const bool isScreenDrawn = !due.empty();
         for (; !due.empty(); due.pop_back()) {
             if (!Read(due.back(), picture, changes)) return false;
         }
-        for (const Area& part : own->TakeChanged(everywhere)) {
+        for (const Area& part : own->TakeChanged(isScreenDrawn, everywhere)) {
             const auto pixels = own->Compose(part, picture);
             if (WindowsMoved()) return false;
             TakeOver(picture, changes, part, {pixels.data(), part});
