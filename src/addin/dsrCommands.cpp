@@ -3,6 +3,7 @@
 
 #include "addin/dsrImagePowerPoint.h"
 #include "devices/frmConfig.h"
+#include "devices/frmDevice.h"
 #include "project/modProject.h"
 #include "publish/frmExportMp4.h"
 #include "recording/modCapture.h"
@@ -59,10 +60,20 @@ bool dsrImagePowerPoint::OpenForCommand(const String& question) {
 // Settings need no media: a presentation that was never recorded gets its project now.
 bool dsrImagePowerPoint::OpenForSettings(const String& question) {
     if (!modProject::LocateProject(m_c)) return false;
+    return OpenOrMake(!m_c.host.fs.FileExists(m_c.support.packagePath), question);
+}
+
+// Without media the preferences of the moment count, so an empty project is made anew.
+bool dsrImagePowerPoint::OpenForDevices(const String& question) {
+    if (!modProject::LocateProject(m_c)) return false;
+    const String& package = m_c.support.packagePath;
+    return OpenOrMake(!m_c.host.fs.FileExists(package) || m_c.host.ksLib.IsEmptyProject(package) != 0, question);
+}
+
+bool dsrImagePowerPoint::OpenOrMake(bool isNew, const String& question) {
     if (m_c.support.packagePath.empty()) return true;  // no lecture at hand: the preferences alone
     bool continued = false;
-    if (!modProject::OpenProject(m_c, !m_c.host.fs.FileExists(m_c.support.packagePath), continued)) return false;
-    return Confirm(continued, question);
+    return modProject::OpenProject(m_c, isNew, continued) && Confirm(continued, question);
 }
 
 bool dsrImagePowerPoint::Confirm(bool continued, const String& question) {
@@ -72,6 +83,11 @@ bool dsrImagePowerPoint::Confirm(bool continued, const String& question) {
 void dsrImagePowerPoint::Configure() {
     RunGuarded(&dsrImagePowerPoint::OpenForSettings, u"Continue opening configure?",
                [this] { m_c.forms.Get<frmConfig>(m_c).ShowModal(); });
+}
+
+void dsrImagePowerPoint::ConfigureDevices() {
+    RunGuarded(&dsrImagePowerPoint::OpenForDevices, u"Continue opening device settings?",
+               [this] { m_c.forms.Get<frmDevice>(m_c).ShowModal(); });
 }
 
 void dsrImagePowerPoint::PublishToMp4() {

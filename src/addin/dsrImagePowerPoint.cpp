@@ -81,6 +81,7 @@ void dsrImagePowerPoint::NotesButton(StringView id) {
     if (id == u"rec") p_ctlBtnRec_Click();
     if (id == u"mnuMP4") p_menuPublish2MP4_Click();
     if (id == u"mnuConfigure") p_menuConfigure_Click();
+    if (id == u"mnuDevice") p_menuCfgDevice_Click();
 }
 
 bool dsrImagePowerPoint::MayRun(StringView id) {

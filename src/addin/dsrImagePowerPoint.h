@@ -30,6 +30,7 @@ class dsrImagePowerPoint {
     void p_ctlBtnRec_Click() { DoRecord(); }
     void p_menuPublish2MP4_Click() { PublishToMp4(); }
     void p_menuConfigure_Click() { Configure(); }
+    void p_menuCfgDevice_Click() { ConfigureDevices(); }
 
     /// The Record command: checks the presentation and asks the host for the show; the show's events do the rest.
     /// Re-enters.
@@ -59,8 +60,11 @@ class dsrImagePowerPoint {
     void RunGuarded(Opening opening, const String& question, const std::function<void()>& work);
     bool OpenForCommand(const String& question);
     bool OpenForSettings(const String& question);
+    bool OpenForDevices(const String& question);
+    bool OpenOrMake(bool isNew, const String& question);
     bool Confirm(bool continued, const String& question);
     void Configure();
+    void ConfigureDevices();
     void PublishToMp4();
     bool Mp4IsTooBig();
 

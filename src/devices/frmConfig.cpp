@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
+#include "devices/AudioQuality.h"
+#include "devices/PictureSize.h"
+#include "devices/modDevice.h"
 #include "host/ResumeNext.h"
 #include "project/Paths.h"
-#include "project/StoredProject.h"
 #include "project/modProject.h"
 #include "support/modConfig.h"
 #include "support/modGlobal.h"
@@ -30,13 +32,6 @@ constexpr std::int32_t kEverySystem = 0;
 /// The service behind the Aero effect.
 constexpr char16_t kAeroService[] = u"UxSms";
 
-/// The bit rate of a webcam picture in kbit/s; empty for no webcam.
-StringView VideoBitrateOf(StringView size) {
-    if (size == u"320x240") return u"320";
-    if (size == u"240x180") return u"192";
-    return size == u"160x120" ? u"96" : u"";
-}
-
 template <std::size_t N>
 std::int32_t IndexOf(const std::array<StringView, N>& list, StringView value, std::size_t otherwise) {
     const auto found = std::find(list.begin(), list.end(), value);
@@ -53,6 +48,15 @@ String ItemOf(const std::array<StringView, N>& list, std::int32_t index) {
 frmConfig::frmConfig(const devices::Context& c)
     : Form(c.forms, u"frmConfig"),
       m_c(c),
+      m_test(c, {.cmdRecord = cmdRecord,
+                 .cmdStopRecord = cmdStopRecord,
+                 .cmdPlay = cmdPlay,
+                 .cmdStop = cmdStop,
+                 .lTimeString = lTimeString,
+                 .tmrGetRecTime = tmrGetRecTime,
+                 .tmrGetPlayTime = tmrGetPlayTime,
+                 .quality = {&lAudioQuality, &cmbAudioQuality},
+                 .others = {&cmdSave, &cmdCancel, &chkLowVolDetect, &chkRecSystemAudio}}),
       m_preferences{{{&chkAutoRecord, u"0", kEverySystem},
                      {&chkShowRecStatus, u"0", kEverySystem},
                      {&chkSkipPres, u"0", kEverySystem},
@@ -71,6 +75,7 @@ frmConfig::frmConfig(const devices::Context& c)
     cmdCancel.SetCancel(true);
     txtPhoto.SetReadOnly(true);
     picPhoto.SetSize(53, 40);
+    m_test.onBeforeRecord = [this] { return HasMicrophone(); };
     cmdPhoto.onClick = [this] { cmdPhoto_Click(); };
     cmdSave.onClick = [this] { cmdSave_Click(); };
     cmdCancel.onClick = [this] { Unload(); };
@@ -81,14 +86,12 @@ frmConfig::frmConfig(const devices::Context& c)
                                         {ui::Field(lFrameRate, cmbFrameRate), ui::Field(lVideoSize, cmbVideoSize),
                                          chkLayeredWin, chkHardware, chkCloseAero}),
                               ui::Group(frameSound, {ui::Field(lAudioQuality, cmbAudioQuality, {lAudioUnit}),
-                                                     lAudioQualityHelp, chkRecSystemAudio, chkLowVolDetect})})}),
+                                                     lAudioQualityHelp, chkRecSystemAudio, chkLowVolDetect,
+                                                     ui::Row({ui::Overlay({cmdRecord, cmdStopRecord}),
+                                                              ui::Overlay({cmdPlay, cmdStop}), lTimeString})})})}),
          ui::Group(frameRecorder, {ui::Row({chkEditTitle, chkShowToolBarIndicator}), chkHideTool}),
          ui::Group(framePhoto, {ui::Row({picPhoto, ui::Field(lPhoto, txtPhoto, {cmdPhoto})})}),
          ui::Buttons({cmdSave, cmdCancel})}));
-}
-
-bool frmConfig::HasLecture() const {
-    return !m_c.support.workFolder.empty();
 }
 
 bool frmConfig::OffersAero() const {
@@ -103,6 +106,7 @@ void frmConfig::OnLoad() {
     modLanguage::ApplyLanguage(m_c, *this);
     m_photo.clear();
     m_stored = true;
+    m_test.Load();
     ReadChecks();
     ReadPicture();
     ReadAudioQuality();
@@ -143,10 +147,8 @@ void frmConfig::ReadPicture() {
 // One quality for all of a lecture's sound: media that is there decides it.
 void frmConfig::ReadAudioQuality() {
     for (const StringView bitrate : kAudioBitrates) cmbAudioQuality.AddItem(String(bitrate));
-    const bool isFixed = HasLecture() && project::HoldsMedia(m_c);
-    const String bitrate = isFixed ? ToText(m_c.host.ksLib.GetAudioBitrate(project::NarrowPackage(m_c)))
-                                   : modConfig::GetSetting(m_c, kSection, u"audioBitrate", u"32");
-    cmbAudioQuality.SetListIndex(IndexOf(kAudioBitrates, bitrate, 0));
+    const bool isFixed = devices::AudioQualityIsFixed(m_c);
+    cmbAudioQuality.SetListIndex(IndexOf(kAudioBitrates, devices::AudioBitrate(m_c), 0));
     for (ui::Control* control : std::initializer_list<ui::Control*>{&lAudioQuality, &cmbAudioQuality, &lAudioUnit}) {
         control->SetEnabled(!isFixed);
     }
@@ -155,9 +157,16 @@ void frmConfig::ReadAudioQuality() {
         Text(u"msglAudioQualityHelp", u"you cannot set audio quality if project is not empty."));
 }
 
+/// Hands the microphone of the preferences to the media library; tells if there is none.
+bool frmConfig::HasMicrophone() {
+    const bool isThere = modDevice::InitDevices(m_c, true) != modDevice::kNoAudio;
+    if (!isThere) modMsgBox::MsgBox(m_c, Text(u"msgNoAudio", u"No microphone can be used."));
+    return isThere && IsLoaded();
+}
+
 void frmConfig::ReadPhoto() {
-    framePhoto.SetVisible(HasLecture());
-    if (!HasLecture()) return;
+    framePhoto.SetVisible(devices::HasLecture(m_c));
+    if (!devices::HasLecture(m_c)) return;
     const String photo = project::PhotoFile(m_c);
     if (!m_c.host.fs.FileExists(photo)) return;
     picPhoto.SetFile(photo);
@@ -195,7 +204,7 @@ void frmConfig::cmdSave_Click() {
     StorePhoto(choice.photo);
     StoreVideoSize(choice.videoSize);
     StoreAudioQuality(choice.audioBitrate);
-    if (HasLecture()) modProject::SaveProject(m_c);
+    if (devices::HasLecture(m_c)) modProject::SaveProject(m_c);
     StoreChecks(choice);
     Save(u"frameRateLevel", choice.frameRate);
     if (!m_stored) {
@@ -206,7 +215,7 @@ void frmConfig::cmdSave_Click() {
 }
 
 void frmConfig::StorePhoto(const String& file) {
-    if (file.empty() || !HasLecture()) return;
+    if (file.empty() || !devices::HasLecture(m_c)) return;
     const String name = modGlobal::FileNameOf(m_c, file);
     const std::size_t point = name.rfind(u'.');
     const String stored = u"photo." + (point == String::npos ? String() : name.substr(point + 1));
@@ -220,13 +229,13 @@ void frmConfig::StorePhoto(const String& file) {
 
 void frmConfig::StoreVideoSize(const String& size) {
     Save(u"videoSize", size);
-    if (HasLecture() && !size.empty()) m_c.project.g_Project.videoBitrate = VideoBitrateOf(size);
+    if (devices::HasLecture(m_c) && !size.empty()) m_c.project.g_Project.videoBitrate = VideoBitrateOf(size);
 }
 
 void frmConfig::StoreAudioQuality(const String& bitrate) {
-    if (HasLecture() && project::HoldsMedia(m_c)) return;
+    if (devices::AudioQualityIsFixed(m_c)) return;
     Save(u"audioBitrate", bitrate);
-    if (HasLecture()) m_c.project.g_Project.audioBitrate = bitrate;
+    if (devices::HasLecture(m_c)) m_c.project.g_Project.audioBitrate = bitrate;
 }
 
 void frmConfig::StoreChecks(const Choice& choice) {
@@ -251,6 +260,7 @@ void frmConfig::Save(StringView key, StringView value) {
 }
 
 void frmConfig::OnUnload() {
+    m_test.End();
     const String disabled = modConfig::GetSetting(m_c, kSection, chkHardware.Name(), u"0");
     m_c.host.ksLib.SetHardAcceleration(Val(disabled) != 0 ? 1 : 0);
 }

@@ -5,7 +5,7 @@
 
 #include <array>
 
-#include "devices/Context.h"
+#include "devices/AudioTest.h"
 
 namespace kestrum {
 
@@ -43,6 +43,13 @@ class frmConfig : public ui::Form {
     ui::Label lAudioQualityHelp{*this, u"lAudioQualityHelp"};
     ui::CheckBox chkRecSystemAudio{*this, u"chkRecSystemAudio"};
     ui::CheckBox chkLowVolDetect{*this, u"chkLowVolDetect"};
+    ui::CommandButton cmdRecord{*this, u"cmdRecord"};
+    ui::CommandButton cmdStopRecord{*this, u"cmdStopRecord"};
+    ui::CommandButton cmdPlay{*this, u"cmdPlay"};
+    ui::CommandButton cmdStop{*this, u"cmdStop"};
+    ui::Label lTimeString{*this, u"lTimeString"};
+    ui::Timer tmrGetRecTime{*this, u"tmrGetRecTime", 100};
+    ui::Timer tmrGetPlayTime{*this, u"tmrGetPlayTime", 100};
 
     ui::Frame framePhoto{*this, u"framePhoto"};
     ui::Picture picPhoto{*this, u"picPhoto"};
@@ -72,12 +79,12 @@ class frmConfig : public ui::Form {
         bool closesAero = false;
     };
 
-    bool HasLecture() const;
     bool OffersAero() const;
     void ReadChecks();
     void ReadPicture();
     void ReadAudioQuality();
     void ReadPhoto();
+    bool HasMicrophone();
     void cmdPhoto_Click();
     void cmdSave_Click();
     Choice TakeChoice() const;
@@ -90,6 +97,7 @@ class frmConfig : public ui::Form {
     String Text(StringView key, StringView text) const;
 
     devices::Context m_c;
+    AudioTest m_test;
     const std::array<Preference, 14> m_preferences;
     /// The photo picked in this dialog; empty until then.
     String m_photo;

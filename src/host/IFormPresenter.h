@@ -6,7 +6,8 @@
 
 namespace kestrum::ui {
 class Form;
-}
+class Picture;
+}  // namespace kestrum::ui
 
 namespace kestrum::host {
 
@@ -23,6 +24,9 @@ class IFormPresenter {
     virtual void Refresh(ui::Form& form) = 0;
     /// The form's window, 0 while it has none.
     virtual WindowHandle Window(ui::Form& form) = 0;
+    /// A window of the picture's own inside its form's, which another program may draw into. Made at the first call;
+    /// from then on the presenter leaves its ground dark and paints nothing on it. 0 while the form has no window.
+    virtual WindowHandle Surface(ui::Picture& picture) = 0;
     /// The model changed (a caption, a value, visibility, place, focus): follow it. Cheap; painting may come later.
     virtual void Changed(ui::Form& form) = 0;
 };

@@ -97,6 +97,10 @@ void Picture::SetSize(std::int32_t width, std::int32_t height) {
     Assign(m_values.height, height);
 }
 
+host::WindowHandle Picture::Surface() {
+    return Owner().Owner().Presenter().Surface(*this);
+}
+
 LevelMeter::LevelMeter(Form& owner, String name)
     : Stateful(owner, ControlKind::LevelMeter, u"LevelMeter", std::move(name)) {}
 

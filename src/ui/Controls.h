@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/IEventLoop.h"
+#include "host/IInputHooks.h"
 #include "ui/Control.h"
 
 namespace kestrum::ui {
@@ -191,7 +192,7 @@ struct PictureValues {
     std::int32_t height = 0;
 };
 
-/// A picture file, or (with an empty file) a bare surface that a library draws on by the window handle of the form.
+/// A picture file, or (with an empty file) a bare surface that a library draws on.
 class Picture : public Stateful<Control, PictureValues> {
   public:
     Picture(Form& owner, String name);
@@ -201,6 +202,8 @@ class Picture : public Stateful<Control, PictureValues> {
     std::int32_t Width() const { return m_values.width; }
     std::int32_t Height() const { return m_values.height; }
     void SetSize(std::int32_t width, std::int32_t height);
+    /// The native window of the surface, 0 while the form has none. The picture shows no file after the first call.
+    host::WindowHandle Surface();
     std::function<void()> onClick;
 };
 

@@ -136,6 +136,14 @@ host::WindowHandle HeadlessPresenter::Window(Form& form) {
     return found == m_shown.end() ? 0 : static_cast<host::WindowHandle>(found - m_shown.begin()) + 1;
 }
 
+host::WindowHandle HeadlessPresenter::Surface(Picture& picture) {
+    constexpr host::WindowHandle kControlsOfAForm = 1000;
+    const host::WindowHandle window = Window(picture.Owner());
+    const std::vector<Control*>& controls = picture.Owner().Controls();
+    const auto place = std::find(controls.begin(), controls.end(), &picture) - controls.begin();
+    return window == 0 ? 0 : window * kControlsOfAForm + static_cast<host::WindowHandle>(place);
+}
+
 void HeadlessPresenter::Changed(Form&) {}
 
 void HeadlessPresenter::Wake() {

@@ -54,6 +54,8 @@ class HeadlessPresenter : public host::IFormPresenter {
     void Refresh(Form& form) override;
     /// A number from 1 for each form on screen.
     host::WindowHandle Window(Form& form) override;
+    /// A number of its own for each picture of a form on screen.
+    host::WindowHandle Surface(Picture& picture) override;
     void Changed(Form& form) override;
 
   private:

@@ -15,7 +15,7 @@ enum class LayoutKind {
     Column,   ///< children from top to bottom
     Group,    ///< children from top to bottom inside the frame `control`
     Field,    ///< a row whose first child is the label of the second
-    Overlay,  ///< children on the same place; hidden ones leave it to the visible one
+    Overlay,  ///< controls on the same place, which is as large as the largest; hidden ones leave it to the visible one
     Stretch,  ///< takes the space that is left over
 };
 
@@ -37,6 +37,7 @@ LayoutNode Column(std::vector<LayoutNode> children);
 LayoutNode Group(Frame& frame, std::vector<LayoutNode> children);
 /// `label` names `field`; `more` follows in the same row (a unit, a button).
 LayoutNode Field(Label& label, Control& field, std::vector<LayoutNode> more = {});
+/// `children` are controls.
 LayoutNode Overlay(std::vector<LayoutNode> children);
 LayoutNode Stretch();
 /// The row of buttons at the foot of a dialog, at its right edge.

@@ -203,6 +203,55 @@ TEST_F(Commands, Configure_WaitsForTheSiblingThatHoldsTheDevices) {
     EXPECT_FALSE(session.c.forms.IsFormLoaded(u"frmConfig"));
 }
 
+TEST_F(Commands, Devices_OfALectureNeverRecorded_MakeItsPackage) {
+    world.presenter.Select(u"frmDevice", u"cmbAudioQuality", 1).After(200).Click(u"frmDevice", u"cmdSave");
+    session.addIn.NotesButton(u"mnuDevice");
+    EXPECT_TRUE(world.presenter.LeftOverActs().empty());
+    ASSERT_TRUE(world.ksLib.Get(kPackage));
+    EXPECT_NE(world.ksLib.Get(kPackage)->stored.at("project").find(">64<"), std::string::npos);
+    EXPECT_FALSE(world.fs.FolderExists(session.support.workFolder));
+    EXPECT_FALSE(session.addIn.CommandBusy);
+}
+
+TEST_F(Commands, Devices_OfAnEmptyPackage_BeginWithThePreferencesOfTheMoment) {
+    world.presenter.Select(u"frmDevice", u"cmbAudioQuality", 0).After(200).Click(u"frmDevice", u"cmdSave");
+    session.addIn.NotesButton(u"mnuDevice");
+    world.settings.Set(u"configure", u"videoSize", u"320x240");
+    world.presenter.Do(u"frmDevice", u"look", [this](ui::Form& form) {
+        EXPECT_EQ(session.project.g_Project.videoSize, u"320x240");
+        form.CloseByUser();
+    });
+    session.addIn.NotesButton(u"mnuDevice");
+    EXPECT_TRUE(world.presenter.LeftOverActs().empty());
+}
+
+TEST_F(Commands, Devices_OfARecordedLecture_LeaveItsMediaAlone) {
+    RecordTenSeconds();
+    const std::int32_t length = world.ksLib.GetLength(kPackage);
+    world.presenter.Click(u"frmDevice", u"cmdSave").After(200);
+    session.addIn.NotesButton(u"mnuDevice");
+    EXPECT_EQ(world.ksLib.GetLength(kPackage), length);
+    EXPECT_EQ(StoredEntries(), Texts{"0 Welcome"});
+}
+
+TEST_F(Commands, Devices_WithoutAnyLecture_AreThePreferencesAlone) {
+    session.support.projectSource = u"KTR";
+    session.support.packagePath.clear();
+    const auto before = world.fs.All();
+    world.presenter.Click(u"frmDevice", u"cmdSave").After(200);
+    session.addIn.NotesButton(u"mnuDevice");
+    EXPECT_EQ(world.settings.Get(u"configure", u"audioDevice"), u"Microphone");
+    EXPECT_EQ(world.fs.All(), before);
+}
+
+TEST_F(Commands, Devices_WaitForTheSiblingThatHoldsThem) {
+    world.settings.Set(u"tokens\\Larkspin", u"recording", u"1");
+    world.settings.Set(u"tokens\\Larkspin", u"touchtime", ToText(modGlobal::GetPositiveTick(world.loop)));
+    session.addIn.NotesButton(u"mnuDevice");
+    EXPECT_EQ(Boxes().size(), 1U);
+    EXPECT_FALSE(session.c.forms.IsFormLoaded(u"frmDevice"));
+}
+
 TEST_F(Commands, AnyFailingCall_LeavesNoFolderAndNoBusyFlag) {
     sim::FaultSweep(u"fs.*", [](const auto& arm) {
         test::LectureDesk desk;

@@ -2,6 +2,7 @@
 #include <set>
 
 #include "devices/frmConfig.h"
+#include "devices/frmDevice.h"
 #include "devices/frmVolMsg.h"
 #include "devices/frmVolSetting.h"
 #include "display/frmDiffCapSize.h"
@@ -35,7 +36,8 @@ class AllFormsTest : public ProductFormsTest {
 TEST_F(AllFormsTest, EveryFormAndEveryCaptionedControl_HasItsText) {
     const devices::Context sound{projectHere, devices};
     const display::Context picture{projectHere, display};
-    ExpectCaptions(forms.Get<frmConfig>(sound), {u"lAudioQualityHelp"});
+    ExpectCaptions(forms.Get<frmConfig>(sound), {u"lAudioQualityHelp", u"lTimeString"});
+    ExpectCaptions(forms.Get<frmDevice>(sound), {u"lAudioQualityHelp", u"lTimeString", u"lVideoMsg", u"lVolumeMsg"});
     ExpectCaptions(forms.Get<frmVolMsg>(sound), {});
     ExpectCaptions(forms.Get<frmVolSetting>(sound), {});
     ExpectCaptions(forms.Get<frmDiffCapSize>(picture), {});

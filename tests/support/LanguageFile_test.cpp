@@ -141,7 +141,8 @@ TEST_F(LanguageFileTest, HoldsNothingThatNoSourceAsksFor) {
             const std::string& text = source.second;
             const bool named = text.find("u\"" + key + "\"") != std::string::npos ||
                                (!beginning.empty() && text.find("u\"" + beginning + "\"") != std::string::npos);
-            const bool ofThisForm = fs::path(source.first).stem().string() == section ||
+            // The sources of a form are named like it, some with an ending of their own ("frmDeviceSave.cpp").
+            const bool ofThisForm = fs::path(source.first).stem().string().rfind(section, 0) == 0 ||
                                     (section == "commandLine" && source.first.rfind("apps/", 0) == 0);
             return named && (ofThisForm || text.find("u\"" + section + "\"") != std::string::npos);
         });

@@ -25,6 +25,8 @@ class ControlView {
     QWidget& Widget() const { return *m_widget; }
     /// Where the children of a frame go; null for other controls.
     virtual QWidget* Inside() { return nullptr; }
+    /// A native window that another program draws into; 0 for controls other than pictures.
+    virtual WId Surface() { return 0; }
 
     /// The letter of the caption that is the control's access key (ui/AccessKeys.h), npos for none, and the widget that
     /// it takes the keyboard to.

@@ -212,6 +212,11 @@ void FormWindow::PaintNow() {
     repaint();
 }
 
+WId FormWindow::Surface(const ui::Picture& picture) {
+    ControlView* view = ViewOf(&picture);
+    return view ? view->Surface() : 0;
+}
+
 void FormWindow::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         Post([](ui::Form& form) { form.PressEnter(); });

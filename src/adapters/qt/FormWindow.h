@@ -27,6 +27,8 @@ class FormWindow : public QWidget {
     void Sync();
     /// Follows the model and paints before it returns, without handling an act of the user or a task of the core.
     void PaintNow();
+    /// The native window of a picture; 0 if it is not of this form.
+    WId Surface(const ui::Picture& picture);
     /// Stays above whatever other programs open; see QtPresenter.
     bool IsPinned() const { return m_pinned; }
 

@@ -99,6 +99,19 @@ QLayout* LayoutBuilder::Row(const std::vector<LayoutNode>& children, QWidget* pa
     return row;
 }
 
+/// The place of the largest, hidden ones too: what stands around does not move when they take turns.
+QLayout* LayoutBuilder::Overlay(const std::vector<LayoutNode>& children, QWidget* parent) {
+    auto* place = new QGridLayout;
+    for (const LayoutNode& child : children) {
+        QWidget* widget = MakeWidget(*child.control, parent);
+        QSizePolicy policy = widget->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        widget->setSizePolicy(policy);
+        place->addWidget(widget, 0, 0, Qt::AlignVCenter);
+    }
+    return place;
+}
+
 QWidget* LayoutBuilder::Group(const LayoutNode& node, QWidget* parent) {
     QWidget* frame = MakeWidget(*node.control, parent);
     frame->setLayout(Column(node.children, frame));
@@ -122,8 +135,10 @@ void LayoutBuilder::AddToColumn(QGridLayout& column, const LayoutNode& node, QWi
             column.addWidget(Group(node, parent), row, 0, 1, kColumns);
             break;
         case LayoutKind::Column:
-        case LayoutKind::Overlay:
             column.addLayout(Column(node.children, parent), row, 0, 1, kColumns);
+            break;
+        case LayoutKind::Overlay:
+            column.addLayout(Overlay(node.children, parent), row, 0, 1, kColumns);
             break;
         case LayoutKind::Stretch:
             column.addItem(new QSpacerItem(0, 0, QSizePolicy::Minimum, QSizePolicy::Expanding), row, 0);
@@ -146,8 +161,10 @@ void LayoutBuilder::AddToRow(QHBoxLayout& row, const LayoutNode& node, QWidget* 
             row.addLayout(Row(node.children, parent), FillsItself(node.children) ? 1 : 0);
             break;
         case LayoutKind::Column:
-        case LayoutKind::Overlay:
             row.addLayout(Column(node.children, parent));
+            break;
+        case LayoutKind::Overlay:
+            row.addLayout(Overlay(node.children, parent));
             break;
         case LayoutKind::Stretch:
             row.addStretch(1);

@@ -26,6 +26,7 @@ class LayoutBuilder {
     QWidget* MakeWidget(ui::Control& control, QWidget* parent);
     QLayout* Column(const std::vector<ui::LayoutNode>& children, QWidget* parent);
     QLayout* Row(const std::vector<ui::LayoutNode>& children, QWidget* parent);
+    QLayout* Overlay(const std::vector<ui::LayoutNode>& children, QWidget* parent);
     void AddToColumn(QGridLayout& column, const ui::LayoutNode& node, QWidget* parent);
     void AddToRow(QHBoxLayout& row, const ui::LayoutNode& node, QWidget* parent);
     QWidget* Group(const ui::LayoutNode& node, QWidget* parent);

@@ -60,6 +60,8 @@ class Marker : public QObject {
 }  // namespace
 
 QtApplication::QtApplication(int& argc, char** argv) : m_application(PrepareEnvironment(argc), argv) {
+    // A surface inside a form is a native window; what stands beside it need not be.
+    QCoreApplication::setAttribute(Qt::AA_DontCreateNativeWidgetSiblings);
     QApplication::setQuitOnLastWindowClosed(false);
     ApplyLook(m_application);
     m_application.installEventFilter(new Marker(&m_application));

@@ -60,6 +60,11 @@ host::WindowHandle QtPresenter::Window(ui::Form& form) {
     return window ? static_cast<host::WindowHandle>(window->winId()) : 0;
 }
 
+host::WindowHandle QtPresenter::Surface(ui::Picture& picture) {
+    FormWindow* window = Find(picture.Owner());
+    return window ? static_cast<host::WindowHandle>(window->Surface(picture)) : 0;
+}
+
 void QtPresenter::Changed(ui::Form& form) {
     if (FormWindow* window = Find(form)) window->SyncLater();
 }

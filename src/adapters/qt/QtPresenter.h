@@ -23,6 +23,7 @@ class QtPresenter : public host::IFormPresenter {
     void Close(ui::Form& form) override;
     void Refresh(ui::Form& form) override;
     host::WindowHandle Window(ui::Form& form) override;
+    host::WindowHandle Surface(ui::Picture& picture) override;
     void Changed(ui::Form& form) override;
 
     /// The form's window for tests and screenshots; null while it has none.

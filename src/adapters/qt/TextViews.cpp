@@ -9,8 +9,10 @@
 #include <QPlainTextEdit>
 #include <QScreen>
 #include <algorithm>
+#include <utility>
 
 #include "adapters/qt/QtText.h"
+#include "adapters/qt/SurfaceWindow.h"
 
 namespace kestrum::qt {
 namespace {
@@ -165,7 +167,22 @@ class PictureLabel : public QLabel {
         setAlignment(Qt::AlignCenter);
     }
 
+    /// Becomes a native window with a dark ground that Qt keeps its hands off.
+    WId Surface() {
+        if (std::exchange(m_isSurface, true)) return winId();
+        setAttribute(Qt::WA_DontCreateNativeAncestors);
+        setAttribute(Qt::WA_NativeWindow);
+        setAttribute(Qt::WA_PaintOnScreen);
+        setAttribute(Qt::WA_NoSystemBackground);
+        DarkenGround(winId());
+        return winId();
+    }
+    QPaintEngine* paintEngine() const override { return m_isSurface ? nullptr : QLabel::paintEngine(); }
+
   protected:
+    void paintEvent(QPaintEvent* event) override {
+        if (!m_isSurface) QLabel::paintEvent(event);
+    }
     void mouseReleaseEvent(QMouseEvent* event) override {
         if (event->button() != Qt::LeftButton || !rect().contains(event->position().toPoint())) return;
         m_post([&control = m_control](ui::Form& form) { form.Click(control); });
@@ -174,12 +191,14 @@ class PictureLabel : public QLabel {
   private:
     ui::Picture& m_control;
     PostAct m_post;
+    bool m_isSurface = false;
 };
 
 class PictureView : public ControlView {
   public:
-    PictureView(ui::Picture& control, QLabel* widget)
+    PictureView(ui::Picture& control, PictureLabel* widget)
         : ControlView(control, widget), m_model(control), m_view(*widget) {}
+    WId Surface() override { return m_view.Surface(); }
 
   protected:
     void SyncValues(int) override {
@@ -200,7 +219,7 @@ class PictureView : public ControlView {
 
   private:
     ui::Picture& m_model;
-    QLabel& m_view;
+    PictureLabel& m_view;
     String m_file;
     QPixmap m_picture;
 };

@@ -243,7 +243,9 @@ std::int32_t KsLib::ksSetAudioDevice(const String& name) {
     return Fails(u"ksSetAudioDevice") ? 0 : 1;
 }
 
-std::int32_t KsLib::CheckAVDevice(std::uint64_t, std::int32_t width, std::int32_t height, const String& videoDevice) {
+std::int32_t KsLib::CheckAVDevice(std::uint64_t window, std::int32_t width, std::int32_t height,
+                                  const String& videoDevice) {
+    previewWindow = window;
     Line(u"CheckAVDevice " + Number(width) + u" " + Number(height) + u" " + videoDevice);
     return Fails(u"CheckAVDevice") ? -1 : checkAVDevice;
 }

@@ -112,6 +112,8 @@ class KsLib : public host::IKsLib {
     String videoDevices, audioDevices = u"Microphone##0";
     String mixerSwitches = u"Microphone";
     std::int32_t checkAVDevice = 3;
+    /// The window that the last preview was opened in.
+    std::uint64_t previewWindow = 0;
     std::int32_t volumeScale = 5, audioVolume = 0;
     bool pictureUniform = false;
     bool canvas = false, whiteboard = false;

@@ -44,6 +44,7 @@ class NoScreen final : public host::IFormPresenter {
     void Close(ui::Form&) override {}
     void Refresh(ui::Form&) override {}
     host::WindowHandle Window(ui::Form&) override { return 0; }
+    host::WindowHandle Surface(ui::Picture&) override { return 0; }
     void Changed(ui::Form&) override {}
 
   private:
@@ -69,6 +70,7 @@ class UnattendedPresenter final : public host::IFormPresenter {
     void Close(ui::Form& form) override;
     void Refresh(ui::Form& form) override;
     host::WindowHandle Window(ui::Form& form) override { return m_screen.Window(form); }
+    host::WindowHandle Surface(ui::Picture& picture) override { return m_screen.Surface(picture); }
     void Changed(ui::Form& form) override;
 
   private:
