@@ -80,13 +80,13 @@ frmConfig::frmConfig(const devices::Context& c)
     cmdSave.onClick = [this] { cmdSave_Click(); };
     cmdCancel.onClick = [this] { Unload(); };
     SetLayout(ui::Column(
-        {ui::Row({ui::Group(frameRecording, {chkAutoRecord, chkSetVolBefRec, chkShowRecStatus, chkSldRgnOnly,
-                                             chkSkipPres, chkStartPen, chkEnableHotKey}),
+        {ui::Row({ui::Group(frameRecording, {chkAutoRecord, chkSetVolBefRec, chkLowVolDetect, chkShowRecStatus,
+                                             chkSldRgnOnly, chkSkipPres, chkStartPen, chkEnableHotKey}),
                   ui::Column({ui::Group(framePicture,
                                         {ui::Field(lFrameRate, cmbFrameRate), ui::Field(lVideoSize, cmbVideoSize),
                                          chkLayeredWin, chkHardware, chkCloseAero}),
                               ui::Group(frameSound, {ui::Field(lAudioQuality, cmbAudioQuality, {lAudioUnit}),
-                                                     lAudioQualityHelp, chkRecSystemAudio, chkLowVolDetect,
+                                                     lAudioQualityHelp, chkRecSystemAudio,
                                                      ui::Row({ui::Overlay({cmdRecord, cmdStopRecord}),
                                                               ui::Overlay({cmdPlay, cmdStop}), lTimeString})})})}),
          ui::Group(frameRecorder, {ui::Row({chkEditTitle, chkShowToolBarIndicator}), chkHideTool}),

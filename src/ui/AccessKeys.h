@@ -19,7 +19,8 @@ struct AccessKey {
 };
 
 /// The access keys of a form, hidden controls included, so that a letter stays when a control comes and goes. The
-/// buttons of Enter and Escape need none; a control whose caption has no free letter (or no letters at all) has none.
+/// controls that take turns on one place share one if they can. The buttons of Enter and Escape need none; a control
+/// whose caption has no free letter (or no letters at all) has none.
 std::vector<AccessKey> AccessKeysOf(const Form& form);
 
 }  // namespace kestrum::ui

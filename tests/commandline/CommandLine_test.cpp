@@ -90,6 +90,19 @@ TEST(CommandLine, Configure_TakesALectureOrNone) {
     EXPECT_THROW(ParseCommandLine({"configure", "--quick"}), UsageError);
 }
 
+TEST(CommandLine, Devices_AreShownOrListed) {
+    EXPECT_EQ(std::get<DevicesRequest>(ParseCommandLine({"devices"})).source, "");
+    EXPECT_EQ(std::get<DevicesRequest>(ParseCommandLine({"devices", "a b.pptx"})).source, "a b.pptx");
+    EXPECT_FALSE(std::get<DevicesRequest>(ParseCommandLine({"devices"})).list);
+    const auto listed = std::get<DevicesRequest>(ParseCommandLine({"devices", "--json", "--list"}));
+    EXPECT_TRUE(listed.list);
+    EXPECT_TRUE(listed.json);
+    EXPECT_THROW(ParseCommandLine({"devices", "--json"}), UsageError);
+    EXPECT_THROW(ParseCommandLine({"devices", "--list", "a.pptx"}), UsageError);
+    EXPECT_THROW(ParseCommandLine({"devices", "a.pptx", "b.pptx"}), UsageError);
+    EXPECT_THROW(ParseCommandLine({"devices", "--quick"}), UsageError);
+}
+
 TEST(CommandLine, NoWords_ShowTheHelp) {
     EXPECT_TRUE(std::holds_alternative<HelpRequest>(ParseCommandLine({})));
 }

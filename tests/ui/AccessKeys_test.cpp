@@ -20,7 +20,9 @@ class frmKeys : public Form {
         chkNone.SetCaption(u"...");
         chkWide.SetCaption(u"保存");
         cmdSave.SetCaption(u"Save");
-        SetLayout(Column({Field(lName, txtName), chkAll, chkNone, chkWide, cmdSave}));
+        cmdTest.SetCaption(u"Test");
+        cmdStop.SetCaption(u"Stop");
+        SetLayout(Column({Field(lName, txtName), chkAll, chkNone, chkWide, cmdSave, Overlay({cmdTest, cmdStop})}));
     }
     Label lName{*this, u"lName"};
     TextBox txtName{*this, u"txtName"};
@@ -28,6 +30,8 @@ class frmKeys : public Form {
     CheckBox chkNone{*this, u"chkNone"};
     CheckBox chkWide{*this, u"chkWide"};
     CommandButton cmdSave{*this, u"cmdSave"};
+    CommandButton cmdTest{*this, u"cmdTest"};
+    CommandButton cmdStop{*this, u"cmdStop"};
 };
 
 class AccessKeysTest : public testing::Test {
@@ -51,7 +55,7 @@ TEST_F(AccessKeysTest, Buttons_ChooseFirst_OthersTakeTheStartOfANextWord) {
 
 TEST_F(AccessKeysTest, AFieldHasItsLetterInItsLabel) {
     EXPECT_EQ(PlaceOf(form.txtName), 0);
-    EXPECT_EQ(AccessKeysOf(form).at(1).caption, &form.lName);
+    EXPECT_EQ(AccessKeysOf(form).at(3).caption, &form.lName) << "behind the buttons";
 }
 
 TEST_F(AccessKeysTest, WithoutLetters_ThereIsNoKey) {
@@ -59,11 +63,20 @@ TEST_F(AccessKeysTest, WithoutLetters_ThereIsNoKey) {
     EXPECT_EQ(PlaceOf(form.chkWide), -1);
 }
 
-TEST_F(AccessKeysTest, TakenLetters_LeaveOneInsideAWord_OrNone) {
-    form.chkNone.SetCaption(u"sna");
+TEST_F(AccessKeysTest, TakenLetters_LeaveOneInsideAWord_OrMakeWay_OrThereIsNone) {
+    form.chkNone.SetCaption(u"nn");
+    EXPECT_EQ(PlaceOf(form.txtName), 2) << "Name has other letters";
+    EXPECT_EQ(PlaceOf(form.chkNone), 0);
+    form.cmdSave.SetCaption(u"x");
+    form.chkNone.SetCaption(u"xx");
     EXPECT_EQ(PlaceOf(form.chkNone), -1);
-    form.chkNone.SetCaption(u"SNx");
+    form.chkNone.SetCaption(u"XNz");
     EXPECT_EQ(PlaceOf(form.chkNone), 2);
+}
+
+TEST_F(AccessKeysTest, ControlsThatTakeTurns_ShareTheirLetter) {
+    EXPECT_EQ(PlaceOf(form.cmdTest), 0);
+    EXPECT_EQ(PlaceOf(form.cmdStop), 1);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <QMenuBar>
 #include <QPainter>
 #include <QPlainTextEdit>
+#include <QScopedValueRollback>
 #include <QScreen>
 #include <QScrollBar>
 #include <QWindow>
@@ -121,8 +122,12 @@ void FormWindow::Sync() {
     const int textWidth = hasWidth ? m_form.Place().width - 2 * kMargin : kTextWidth;
     SyncStyle();
     SyncAccessKeys();
-    for (const auto& view : m_views) {
-        if (m_pendingActs == 0 || !view->Control().IsFocusable()) view->Sync(textWidth);
+    {
+        // Qt moves the keyboard away from a widget that goes: where it belongs, the model knows.
+        const QScopedValueRollback<bool> following(m_isFollowing, true);
+        for (const auto& view : m_views) {
+            if (m_pendingActs == 0 || !view->Control().IsFocusable()) view->Sync(textWidth);
+        }
     }
     SyncMenu();
     SyncSize();
@@ -186,12 +191,17 @@ void FormWindow::SyncPlace() {
 void FormWindow::SyncFocus() {
     if (m_pendingActs > 0 || m_form.Focus() == nullptr || QApplication::activePopupWidget()) return;
     ControlView* view = ViewOf(m_form.Focus());
-    if (!view || !m_form.Focus()->IsUsable()) return;
+    if (!view) return;
+    if (!m_form.Focus()->IsUsable()) {
+        FocusMoved(focusWidget());  // its control is gone: the keyboard is where Qt took it
+        return;
+    }
     QWidget& widget = view->Widget();
     if (!widget.hasFocus() && !widget.isAncestorOf(focusWidget())) widget.setFocus();
 }
 
 void FormWindow::FocusMoved(QWidget* now) {
+    if (m_isFollowing) return;
     for (QWidget* widget = now; widget && widget != this; widget = widget->parentWidget()) {
         ControlView* view = ViewOf(widget);
         if (!view) continue;

@@ -63,6 +63,7 @@ class FormWindow : public QWidget {
     bool m_placed = false;
     bool m_pinned = false;
     bool m_syncPosted = false;
+    bool m_isFollowing = false;
     int m_pendingActs = 0;
 };
 

@@ -144,6 +144,26 @@ ConfigureRequest ParseConfigure(Words& words) {
     return request;
 }
 
+DevicesRequest ParseDevices(Words& words) {
+    DevicesRequest request;
+    while (!words.AtEnd()) {
+        const std::string word = words.Take();
+        if (word == "--list") {
+            request.list = true;
+        } else if (word == "--json") {
+            request.json = true;
+        } else if (IsOption(word)) {
+            throw UsageError("devices has no option " + word + ".");
+        } else {
+            TakeOperand(request.source, word, "presentation or package");
+        }
+    }
+    if (request.json && !request.list) throw UsageError("--json goes with --list: kestrum devices --list --json.");
+    if (request.list && !request.source.empty())
+        throw UsageError("The devices are those of this computer; --list goes without a presentation.");
+    return request;
+}
+
 InfoRequest ParseInfo(Words& words) {
     InfoRequest request;
     while (!words.AtEnd()) {
@@ -187,6 +207,7 @@ Request ParseCommandLine(const std::vector<std::string>& arguments) {
     if (command == "record") return ParseRecord(words);
     if (command == "publish") return ParsePublish(words);
     if (command == "configure") return ParseConfigure(words);
+    if (command == "devices") return ParseDevices(words);
     if (command == "info") return ParseInfo(words);
     if (command == "verify") return ParseVerify(words);
     if (command == "help" || command == "--help" || command == "-h") return HelpRequest{};
@@ -212,6 +233,10 @@ std::string HelpText() {
 
   kestrum configure [DECK|PACKAGE]
       Shows the settings on the desktop: those of the recorder, and of the lecture that is named.
+
+  kestrum devices [DECK|PACKAGE]
+      Shows microphone and camera on the desktop, with level, picture and a test recording, to choose among them.
+      --list [--json]    prints the devices instead
 
   kestrum info [--json] PACKAGE
       Shows what a package holds: title, length, stored files, index.

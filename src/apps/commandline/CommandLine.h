@@ -36,6 +36,13 @@ struct ConfigureRequest {
     std::string source;  ///< empty: the preferences alone
 };
 
+/// `kestrum devices [DECK|PACKAGE]`, `kestrum devices --list [--json]`
+struct DevicesRequest {
+    std::string source;  ///< empty: the preferences alone
+    bool list = false;   ///< print the devices instead of showing the dialog
+    bool json = false;
+};
+
 /// `kestrum info [--json] PACKAGE`
 struct InfoRequest {
     std::string package;
@@ -56,8 +63,8 @@ struct RegisterRequest {};
 struct HelpRequest {};
 struct VersionRequest {};
 
-using Request = std::variant<RecordRequest, PublishRequest, ConfigureRequest, InfoRequest, VerifyRequest,
-                             RegisterRequest, HelpRequest, VersionRequest>;
+using Request = std::variant<RecordRequest, PublishRequest, ConfigureRequest, DevicesRequest, InfoRequest,
+                             VerifyRequest, RegisterRequest, HelpRequest, VersionRequest>;
 
 /// The words cannot be understood; what() is the sentence for the user.
 class UsageError : public std::runtime_error {

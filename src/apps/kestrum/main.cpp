@@ -4,11 +4,12 @@
 #include <iostream>
 
 #include "adapters/linux/EndSignals.h"
+#include "apps/commandline/DeviceList.h"
 #include "apps/commandline/InfoCommand.h"
 #include "apps/kestrum/BatchProgram.h"
-#include "apps/kestrum/ConfigureCommand.h"
 #include "apps/kestrum/PublishCommand.h"
 #include "apps/kestrum/RecordCommand.h"
+#include "apps/kestrum/SettingsCommands.h"
 #include "apps/kestrum/VerifyPackage.h"
 #include "project/modProject.h"
 
@@ -28,6 +29,7 @@ int RunPortable(Console& console, const Request& request) {
         full.package = host::ToUtf8(FullPath(info->package));
         return RunInfo(c, program.Inspector(), console, full);
     }
+    if (const auto* devices = std::get_if<DevicesRequest>(&request)) return RunDeviceList(c, console, devices->json);
     console.Result("kestrum " + host::ToUtf8(modProject::GetProgramVersion(c)));
     return 0;
 }
@@ -38,6 +40,8 @@ int Run(Console& console, const std::vector<std::string>& arguments) {
     if (const auto* publish = std::get_if<PublishRequest>(&request)) return RunPublish(console, *publish);
     if (const auto* verify = std::get_if<VerifyRequest>(&request)) return VerifyPackage(console, *verify);
     if (const auto* configure = std::get_if<ConfigureRequest>(&request)) return RunConfigure(console, *configure);
+    if (const auto* devices = std::get_if<DevicesRequest>(&request); devices && !devices->list)
+        return RunDevices(console, *devices);
     if (std::holds_alternative<RegisterRequest>(request)) return 0;
     if (!std::holds_alternative<HelpRequest>(request)) return RunPortable(console, request);
     std::cout << HelpText();

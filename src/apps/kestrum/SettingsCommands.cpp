@@ -1,4 +1,4 @@
-#include "apps/kestrum/ConfigureCommand.h"
+#include "apps/kestrum/SettingsCommands.h"
 
 #include "adapters/linux/EndSignals.h"
 #include "addin/Session.h"
@@ -11,39 +11,53 @@
 namespace kestrum::app {
 namespace {
 
+/// A dialog of settings: the command's word, its id at the entrance of the commands, its form.
+struct Dialog {
+    StringView word, id, form;
+};
+
 /// The package whose settings are asked for, empty for none. A deck that was never recorded gets its package now.
-String PackageFor(const support::Context& c, host::IPackageInspector& inspector, const std::string& source) {
+String PackageFor(const support::Context& c, host::IPackageInspector& inspector, const std::string& source,
+                  StringView word) {
     if (source.empty()) return {};
     const String path = FullPath(source);
     const String package = PackageOf(path);
     const bool isNew = package != path && c.host.fs.FileExists(path) && !c.host.fs.FileExists(package);
-    if (!isNew) RefuseUnlessPackage(c, inspector, package, u"configure");
+    if (!isNew) RefuseUnlessPackage(c, inspector, package, String(word));
     return package;
 }
 
-}  // namespace
-
-int RunConfigure(Console& console, const ConfigureRequest& request) {
+int RunDialog(Console& console, const std::string& source, const Dialog& dialog) {
     ScreenProgram program(console, false);
     NoOffice office;
     host::Host ports = program.Ports(office);
     Session session(ports);
-    const String package = PackageFor(session.c, program.Inspector(), request.source);
+    const String package = PackageFor(session.c, program.Inspector(), source, dialog.word);
 
     int signal = 0;
     const platform::EndSignals endSignals(program.Loop(), [&](int number) {
         signal = number;
-        if (ui::Form* dialog = session.c.forms.Find(u"frmConfig")) dialog->Unload();
+        if (ui::Form* form = session.c.forms.Find(dialog.form)) form->Unload();
     });
     DisarmMarkerOfDeadRecorder(session.c);
     session.Connect();
     // Neither a package by itself nor the preferences alone belong to a presentation.
     session.support.projectSource = u"KTR";
     if (!package.empty()) TakePackage(session.c, package);
-    session.addIn.NotesButton(u"mnuConfigure");
+    session.addIn.NotesButton(dialog.id);
     modProject::DeleteWorkFolder(session.c);
     session.Disconnect();
     return signal != 0 ? 128 + signal : 0;
+}
+
+}  // namespace
+
+int RunConfigure(Console& console, const ConfigureRequest& request) {
+    return RunDialog(console, request.source, {u"configure", u"mnuConfigure", u"frmConfig"});
+}
+
+int RunDevices(Console& console, const DevicesRequest& request) {
+    return RunDialog(console, request.source, {u"devices", u"mnuDevice", u"frmDevice"});
 }
 
 }  // namespace kestrum::app
