@@ -136,6 +136,29 @@ TEST_F(InputTest, HotKeys_BecomeTheirMessages_OnlyWhileEnabled) {
     EXPECT_FALSE(Has(0x800C));
 }
 
+TEST_F(InputTest, HotKeys_Work_ThoughTheShowHasTheKeyboardAndAMenuThePointer) {
+    const auto target = MakeTarget();
+    ASSERT_EQ(ksHook.InstallMessageHook(target->Handle(), 0), 1);
+    ksHook.EnableHotKey(1);
+    X11Connection show;
+    const XReply<xcb_grab_keyboard_reply_t> keyboard(xcb_grab_keyboard_reply(
+        show.Get(),
+        xcb_grab_keyboard(show.Get(), 0, show.Root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+        nullptr));
+    const XReply<xcb_grab_pointer_reply_t> pointer(xcb_grab_pointer_reply(
+        show.Get(),
+        xcb_grab_pointer(show.Get(), 0, show.Root(), XCB_EVENT_MASK_BUTTON_PRESS, XCB_GRAB_MODE_ASYNC,
+                         XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
+        nullptr));
+    ASSERT_TRUE(keyboard && keyboard->status == XCB_GRAB_STATUS_SUCCESS);
+    ASSERT_TRUE(pointer && pointer->status == XCB_GRAB_STATUS_SUCCESS);
+    Act({"key", "F9", "key", "F10", "key", "F11", "click", "1", "key", "F12"});
+    ASSERT_TRUE(PumpUntil([&] { return Has(0x800C); }));
+    std::vector<std::int32_t> messages;
+    for (const auto& message : received) messages.push_back(message.message);
+    EXPECT_EQ(messages, (std::vector<std::int32_t>{0x8009, 0x800A, 0x800B, 0x8002, 0x8003, 0x800C}));
+}
+
 TEST_F(InputTest, HotKeyWithAModifier_IsAnotherProgramsKey) {
     const auto target = MakeTarget();
     ASSERT_EQ(ksHook.InstallMessageHook(target->Handle(), 0), 1);

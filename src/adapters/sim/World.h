@@ -38,6 +38,8 @@ struct Instead {
     host::IApplication* app = nullptr;
     host::IEventLoop* loop = nullptr;
     host::IFileSystem* fs = nullptr;
+    host::IInputHooks* hooks = nullptr;
+    host::IWindows* windows = nullptr;
     host::IProcesses* processes = nullptr;
     host::IShellFolders* shell = nullptr;
     host::IMessageBox* box = nullptr;
