@@ -47,7 +47,7 @@ class CaptureRecorder : public ::testing::Test {
     std::unique_ptr<Recorder> Begin(const RecorderSettings& settings) {
         auto recorder =
             std::make_unique<Recorder>(settings, [this](int level) { m_loudest = std::max(+m_loudest, level); });
-        recorder->OpenSound();
+        recorder->OpenDevices();
         recorder->Start(Package(), {});
         return recorder;
     }

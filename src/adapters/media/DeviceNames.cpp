@@ -36,7 +36,10 @@ void Shorten(std::string& name) {
     name.resize(end);
 }
 
+/// No blank at either end, and none beside another.
 void TrimBlanks(std::string& name) {
+    const auto bothBlank = [](char a, char b) { return a == ' ' && b == ' '; };
+    name.erase(std::unique(name.begin(), name.end(), bothBlank), name.end());
     name.erase(0, name.find_first_not_of(' '));
     name.erase(name.find_last_not_of(' ') + 1);
 }

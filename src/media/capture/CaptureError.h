@@ -7,11 +7,12 @@
 namespace kestrum::media {
 
 enum class CaptureErrorKind {
-    kNoDisplay,    ///< the display cannot be opened, or lacks what a recording needs
-    kBadArea,      ///< the rectangle is empty, odd or partly off the screen
-    kNoSound,      ///< the sound server does not answer, or the source is not there
-    kEncoder,      ///< an encoder refused its settings
-    kCannotAppend  ///< the package holds tracks that a recording cannot go on with
+    kNoDisplay,     ///< the display cannot be opened, or lacks what a recording needs
+    kBadArea,       ///< the rectangle is empty, odd or partly off the screen
+    kNoSound,       ///< the sound server does not answer, or the source is not there
+    kEncoder,       ///< an encoder refused its settings
+    kCannotAppend,  ///< the package holds tracks that a recording cannot go on with
+    kNoCamera       ///< the camera is not there, or cannot be read
 };
 
 class CaptureError : public std::runtime_error {

@@ -27,9 +27,11 @@ constexpr std::size_t kVideoBacklog = 32U << 20;
 constexpr std::size_t kVideoOverflow = 96U << 20;
 constexpr std::size_t kAudioOverflow = 32U << 20;
 
+enum class Track { kScreen, kWebcam, kSound };
+
 struct Sample {
     std::int64_t position = 0;
-    bool isVideo = false;
+    Track track = Track::kSound;
     bool isKey = false;
     Bytes bytes;
 };
@@ -55,7 +57,7 @@ class PackageFeeder::Impl {
     void Push(Sample sample) {
         const std::lock_guard lock(m_mutex);
         if (m_isBroken) return;
-        (sample.isVideo ? m_videoBytes : m_audioBytes) += sample.bytes.size();
+        (sample.track == Track::kSound ? m_audioBytes : m_videoBytes) += sample.bytes.size();
         if (m_videoBytes > kVideoOverflow) Fail(EncoderState::kVideoOverflow);
         if (m_audioBytes > kAudioOverflow) Fail(EncoderState::kAudioOverflow);
         m_waiting.push_back(std::move(sample));
@@ -155,15 +157,24 @@ class PackageFeeder::Impl {
         std::stable_sort(samples.begin(), samples.end(),
                          [](const Sample& a, const Sample& b) { return a.position < b.position; });
         for (const auto& sample : samples) {
-            if (!sample.isVideo) {
-                m_writer->WriteAudio(sample.position, sample.bytes);
-                continue;
-            }
-            m_writer->WriteVideo(sample.position, sample.isKey, sample.bytes);
-            m_lastVideoMs = sample.position;
+            Write(sample);
         }
         const std::lock_guard lock(m_mutex);
         m_writtenMs = m_writer->LengthMs();
+    }
+
+    void Write(const Sample& sample) {
+        switch (sample.track) {
+            case Track::kSound:
+                m_writer->WriteAudio(sample.position, sample.bytes);
+                return;
+            case Track::kWebcam:
+                m_writer->WriteWebcam(sample.position, sample.isKey, sample.bytes);
+                return;
+            case Track::kScreen:
+                m_writer->WriteVideo(sample.position, sample.isKey, sample.bytes);
+                m_lastVideoMs = sample.position;
+        }
     }
 
     std::vector<Sample> TakeWaiting() {
@@ -231,10 +242,13 @@ PackageFeeder::PackageFeeder(std::unique_ptr<PackageWriter> writer, std::string 
     : m_impl(std::make_unique<Impl>(std::move(writer), std::move(path), limits)) {}
 PackageFeeder::~PackageFeeder() = default;
 void PackageFeeder::PushVideo(std::int64_t positionMs, bool key, Bytes sample) {
-    m_impl->Push({positionMs, true, key, std::move(sample)});
+    m_impl->Push({positionMs, Track::kScreen, key, std::move(sample)});
+}
+void PackageFeeder::PushWebcam(std::int64_t positionMs, bool key, Bytes sample) {
+    m_impl->Push({positionMs, Track::kWebcam, key, std::move(sample)});
 }
 void PackageFeeder::PushAudio(std::int64_t positionMs, Bytes sample) {
-    m_impl->Push({positionMs, false, false, std::move(sample)});
+    m_impl->Push({positionMs, Track::kSound, false, std::move(sample)});
 }
 bool PackageFeeder::IsBehind() const {
     return m_impl->IsBehind();

@@ -30,6 +30,8 @@ class PackageFeeder {
     PackageFeeder& operator=(const PackageFeeder&) = delete;
 
     void PushVideo(std::int64_t positionMs, bool key, Bytes sample);
+    /// A picture of the camera; the package has a webcam track.
+    void PushWebcam(std::int64_t positionMs, bool key, Bytes sample);
     /// Sound is always taken.
     void PushAudio(std::int64_t positionMs, Bytes sample);
     /// So much video waits that no further picture should be made but a key frame that was asked for.

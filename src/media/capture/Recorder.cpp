@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "media/capture/CameraTrack.h"
 #include "media/capture/CaptureError.h"
 #include "media/capture/Clock.h"
 #include "media/capture/PackageFeeder.h"
@@ -67,19 +68,23 @@ class Recorder::Impl {
         m_input = std::move(input);
     }
 
-    void OpenSoundAhead() { OpenSound(LayoutFor(m_settings, std::nullopt)); }
+    void OpenDevicesAhead() {
+        OpenSound(LayoutFor(m_settings, std::nullopt));
+        OpenCamera();
+    }
 
     void Start(const std::string& package, const StoredPaths& files) {
         // Everything that can refuse comes before the package is touched, but for what the package itself decides.
         const StoredFiles stored = LoadFiles(files);
         { const Screen check(m_settings.display, m_settings.area); }
-        if (!m_input) OpenSoundAhead();
+        if (!m_input && !m_camera) OpenDevicesAhead();
 
         auto writer = PackageWriter::Open(package);
         recovered = writer->Recovered();
         const auto existing = writer->ExistingTracks();
         RequireFit(existing);
         OpenSound(LayoutFor(m_settings, existing));
+        FitCamera(existing);
         MakeEncoders(existing);
         if (!existing) writer->SetTracks(Tracks());
         if (!stored.empty()) writer->StoreFiles(stored);
@@ -129,6 +134,35 @@ class Recorder::Impl {
     DeviceChangeSink onDeviceChange;
 
   private:
+    void TellCamera(bool isBack) {
+        if (onDeviceChange) onDeviceChange({m_settings.camera.id, true, isBack});
+    }
+
+    void OpenCamera() {
+        if (m_settings.camera.id.empty()) return;
+        try {
+            m_camera.reset();
+            m_camera = std::make_unique<CameraTrack>(m_settings.camera, [this](bool isBack) { TellCamera(isBack); });
+        } catch (const CaptureError&) {
+            TellCamera(false);
+        }
+    }
+
+    /// The tracks of a package are those of its first recording, and so is the size of its camera's pictures.
+    void FitCamera(const std::optional<TrackConfigs>& existing) {
+        if (!m_camera || !existing) return;
+        if (!existing->webcam) {
+            m_camera.reset();
+            return TellCamera(false);
+        }
+        CameraSettings& camera = m_settings.camera;
+        const bool fits = camera.width == existing->webcam->width && camera.height == existing->webcam->height;
+        camera.width = existing->webcam->width;
+        camera.height = existing->webcam->height;
+        if (!fits) OpenCamera();
+        if (m_camera) m_camera->FitTo(existing->webcam->avcC);
+    }
+
     void RequireFit(const std::optional<TrackConfigs>& existing) const {
         if (!existing) return;
         if (existing->video.width % 2 || existing->video.height % 2)
@@ -160,6 +194,7 @@ class Recorder::Impl {
             tracks.audio = AudioTrackConfig{m_layout.rate, m_layout.channels, m_layout.bitsPerSecond,
                                             m_sound->AudioSpecificConfig()};
         }
+        if (m_camera) tracks.webcam = m_camera->Config();
         return tracks;
     }
 
@@ -172,10 +207,12 @@ class Recorder::Impl {
         m_pictures =
             std::make_unique<PictureLoop>(*m_source, *m_encoder, *m_clock, *m_feeder, m_settings.framesPerSecond);
         if (m_sound) m_sound->Start(*m_feeder, startMs, startNs);
+        if (m_camera) m_camera->Start(*m_feeder, *m_clock);
         m_pictures->Start(startMs);
     }
 
     void StopLoops(std::int64_t endNs) {
+        if (m_camera) m_camera->Stop();
         if (m_pictures) m_pictures->Stop();
         if (m_sound) m_sound->Stop(endNs);
     }
@@ -190,13 +227,14 @@ class Recorder::Impl {
     std::unique_ptr<PackageFeeder> m_feeder;
     std::unique_ptr<SoundLoop> m_sound;
     std::unique_ptr<PictureLoop> m_pictures;
+    std::unique_ptr<CameraTrack> m_camera;
 };
 
 Recorder::Recorder(RecorderSettings settings, LevelSink onLevel)
     : m_impl(std::make_unique<Impl>(std::move(settings), std::move(onLevel))) {}
 Recorder::~Recorder() = default;
-void Recorder::OpenSound() {
-    m_impl->OpenSoundAhead();
+void Recorder::OpenDevices() {
+    m_impl->OpenDevicesAhead();
 }
 void Recorder::OnDeviceChange(DeviceChangeSink onChange) {
     m_impl->onDeviceChange = std::move(onChange);

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "media/capture/Area.h"
+#include "media/capture/CameraThread.h"
 #include "media/capture/EncoderState.h"
 #include "media/package/PackageTypes.h"
 
@@ -24,7 +25,8 @@ struct RecorderSettings {
     int framesPerSecond = 10;               ///< at most, 1 to 60
     std::vector<std::string> soundSources;  ///< names as the sound server knows them; empty: no sound track
     bool stereo = false;
-    int audioKbps = 64;  ///< bit rate of the sound in a new package
+    int audioKbps = 64;     ///< bit rate of the sound in a new package
+    CameraSettings camera;  ///< even sides; a package with media keeps the size of the camera it has
 };
 
 struct RecorderStatistics {
@@ -59,8 +61,9 @@ class Recorder {
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;
 
-    /// Opens the sound sources ahead, so that Start waits for nothing. Throws CaptureError.
-    void OpenSound();
+    /// Opens the sound sources and the camera ahead, so that Start waits for nothing. Throws CaptureError where there
+    /// is no sound. Without the camera the recording goes on, as with one that is lost.
+    void OpenDevices();
     /// Opens or makes the package, stores the files, and records from now on. The first picture is a key frame at the
     /// length that the package had; the sound begins there too. Throws CaptureError or media::Error; then nothing runs.
     void Start(const std::string& package, const StoredPaths& files);

@@ -7,7 +7,9 @@
 #include <cstdlib>
 #include <stdexcept>
 
+#include "media/capture/Camera.h"
 #include "media/capture/SoundSources.h"
+#include "media/convert/AvHandles.h"
 #include "media/package/Package.h"
 #include "media/worker/WorkerServer.h"
 
@@ -90,6 +92,8 @@ int DevicesCommand(const std::vector<std::string>&) {
         std::printf("%s\t%s%s\t%s\n", source.name.c_str(), source.isSystemSound ? "system sound" : "input",
                     source.isDefault ? " (default)" : "", source.description.c_str());
     }
+    for (const auto& camera : ListCameras())
+        std::printf("%s\tcamera\t%s\n", camera.id.c_str(), camera.description.c_str());
     return 0;
 }
 
@@ -102,6 +106,8 @@ int ServeCommand(const std::vector<std::string>& words) {
     sigemptyset(&set);
     sigaddset(&set, SIGTERM);
     sigprocmask(SIG_BLOCK, &set, nullptr);
+    // Failures are answers here; the libraries' own lines would stand among those of the program that started us.
+    av_log_set_level(AV_LOG_QUIET);
     std::signal(SIGINT, SIG_IGN);
     std::signal(SIGHUP, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);

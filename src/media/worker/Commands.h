@@ -14,7 +14,7 @@ int InfoCommand(const std::vector<std::string>& words);
 int KeysCommand(const std::vector<std::string>& words);
 /// Verifies a package and says what was recovered; its percentage goes to standard error.
 int VerifyCommand(const std::vector<std::string>& words);
-/// The sound sources, with TABs between name, kind and description.
+/// The sound sources and cameras, with TABs between name, kind and description.
 int DevicesCommand(const std::vector<std::string>& words);
 /// Serves the channel whose file descriptor is given.
 int ServeCommand(const std::vector<std::string>& words);

@@ -1,6 +1,7 @@
 #include "media/worker/DeviceDesk.h"
 
 #include "media/capture/CaptureError.h"
+#include "media/worker/RecordingDesk.h"
 
 namespace kestrum::media {
 
@@ -13,10 +14,32 @@ PreviewResult DeviceDesk::OpenPreview(const protocol::Preview& request) {
     } catch (const CaptureError&) {
         return PreviewResult::kNoSound;
     }
-    return request.camera.name.empty() ? PreviewResult::kBoth : PreviewResult::kNoVideo;
+    try {
+        if (!request.camera.name.empty()) OpenCamera(request);
+        return PreviewResult::kBoth;
+    } catch (const CaptureError&) {
+        return PreviewResult::kNoVideo;
+    }
+}
+
+void DeviceDesk::OpenCamera(const protocol::Preview& request) {
+    if (request.window != 0)
+        m_painter = std::make_unique<WindowPainter>(request.display, static_cast<std::uint32_t>(request.window));
+    // A window that has gone is not drawn into any more; whoever had it closes the preview sooner or later.
+    const auto onPicture = [this](const BgraPicture& picture, std::int64_t) {
+        if (m_painter) m_painter->Draw(picture);
+    };
+    // A picture that stands still would pretend that the camera is there.
+    const auto onChange = [this](bool isBack) {
+        if (m_painter && !isBack) m_painter->Clear();
+    };
+    m_camera =
+        std::make_unique<CameraThread>(ToCameraSettings(request.camera), CameraThread::Sinks{onPicture, onChange});
 }
 
 void DeviceDesk::ClosePreview() {
+    m_camera.reset();
+    m_painter.reset();
     m_meter.reset();
 }
 

@@ -8,8 +8,10 @@
 #include <memory>
 #include <string>
 
+#include "media/capture/CameraThread.h"
 #include "media/capture/SoundMeter.h"
 #include "media/capture/SoundTest.h"
+#include "media/capture/WindowPainter.h"
 #include "media/protocol/Messages.h"
 
 namespace kestrum::media {
@@ -31,8 +33,12 @@ class DeviceDesk {
     std::int64_t TestPlayMs() const;
 
   private:
+    void OpenCamera(const protocol::Preview& request);
+
     const std::function<void(int)> m_onLevel;
     std::unique_ptr<SoundMeter> m_meter;
+    std::unique_ptr<WindowPainter> m_painter;  ///< outlives the camera's thread
+    std::unique_ptr<CameraThread> m_camera;
     std::unique_ptr<TestRecording> m_testRecording;
     std::unique_ptr<TestPlayback> m_testPlayback;
 };

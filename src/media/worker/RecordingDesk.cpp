@@ -1,5 +1,6 @@
 #include "media/worker/RecordingDesk.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <stdexcept>
 #include <utility>
@@ -17,6 +18,7 @@ RecorderSettings ToSettings(const protocol::Settings& from) {
     settings.soundSources = from.soundSources;
     settings.stereo = from.stereo != 0;
     settings.audioKbps = from.audioKbps;
+    settings.camera = ToCameraSettings(from.camera);
     return settings;
 }
 
@@ -24,6 +26,11 @@ RecorderSettings ToSettings(const protocol::Settings& from) {
 
 StoredPaths ToStoredPaths(const protocol::PackageFiles& files) {
     return {files.projectFile, files.cursorImage, files.photo, files.indexText};
+}
+
+CameraSettings ToCameraSettings(const protocol::CameraChoice& choice) {
+    // The encoder takes even sides only.
+    return {choice.name, std::max(choice.width & ~1, 2), std::max(choice.height & ~1, 2)};
 }
 
 protocol::Recovery ToRecovery(const std::optional<RecoveryReport>& report) {
@@ -38,7 +45,7 @@ void RecordingDesk::Open(const protocol::Settings& settings) {
     if (m_isRecording) throw std::logic_error("A recording runs already.");
     auto recorder = std::make_unique<Recorder>(ToSettings(settings), m_onLevel);
     recorder->OnDeviceChange(m_onDeviceChange);
-    recorder->OpenSound();
+    recorder->OpenDevices();
     m_recorder = std::move(recorder);
 }
 

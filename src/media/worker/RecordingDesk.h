@@ -46,6 +46,7 @@ class RecordingDesk {
 
 /// The stored files of a request as the package library names them.
 StoredPaths ToStoredPaths(const protocol::PackageFiles& files);
+CameraSettings ToCameraSettings(const protocol::CameraChoice& choice);
 protocol::Recovery ToRecovery(const std::optional<RecoveryReport>& report);
 
 }  // namespace kestrum::media

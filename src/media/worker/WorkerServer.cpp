@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "media/capture/Camera.h"
 #include "media/capture/CaptureError.h"
 #include "media/capture/Clock.h"
 #include "media/capture/Screen.h"
@@ -58,7 +59,9 @@ protocol::SoundList AskSound() {
 }
 
 protocol::CameraList AskCameras() {
-    return {};
+    protocol::CameraList list;
+    for (const auto& camera : ListCameras()) list.cameras.push_back({camera.id, camera.description});
+    return list;
 }
 
 protocol::Volume ToWire(const SourceVolume& volume) {
