@@ -4,6 +4,7 @@
 #include "addin/dsrImagePowerPoint.h"
 #include "devices/frmConfig.h"
 #include "devices/frmDevice.h"
+#include "display/modResolution.h"
 #include "project/modProject.h"
 #include "publish/frmExportMp4.h"
 #include "recording/modCapture.h"
@@ -88,6 +89,11 @@ void dsrImagePowerPoint::Configure() {
 void dsrImagePowerPoint::ConfigureDevices() {
     RunGuarded(&dsrImagePowerPoint::OpenForDevices, u"Continue opening device settings?",
                [this] { m_c.forms.Get<frmDevice>(m_c).ShowModal(); });
+}
+
+// The display belongs to no lecture: nothing is opened for it.
+void dsrImagePowerPoint::ChangeResolution() {
+    modResolution::ChangeResolution(m_c);
 }
 
 void dsrImagePowerPoint::PublishToMp4() {

@@ -82,6 +82,7 @@ void dsrImagePowerPoint::NotesButton(StringView id) {
     if (id == u"mnuMP4") p_menuPublish2MP4_Click();
     if (id == u"mnuConfigure") p_menuConfigure_Click();
     if (id == u"mnuDevice") p_menuCfgDevice_Click();
+    if (id == u"mnuChangeRes") p_menuChangeRes_Click();
 }
 
 bool dsrImagePowerPoint::MayRun(StringView id) {

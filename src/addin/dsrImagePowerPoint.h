@@ -31,6 +31,7 @@ class dsrImagePowerPoint {
     void p_menuPublish2MP4_Click() { PublishToMp4(); }
     void p_menuConfigure_Click() { Configure(); }
     void p_menuCfgDevice_Click() { ConfigureDevices(); }
+    void p_menuChangeRes_Click() { ChangeResolution(); }
 
     /// The Record command: checks the presentation and asks the host for the show; the show's events do the rest.
     /// Re-enters.
@@ -65,6 +66,7 @@ class dsrImagePowerPoint {
     bool Confirm(bool continued, const String& question);
     void Configure();
     void ConfigureDevices();
+    void ChangeResolution();
     void PublishToMp4();
     bool Mp4IsTooBig();
 

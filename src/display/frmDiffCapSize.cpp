@@ -1,16 +1,8 @@
 #include "display/frmDiffCapSize.h"
 
-#include "support/modGlobal.h"
 #include "support/modLanguage.h"
 
 namespace kestrum {
-namespace {
-
-void ShowSize(ui::OptionButton& option, modRegion::Size size) {
-    option.SetCaption(modGlobal::Replace(option.Caption(), u"%s", display::SizeText(size)));
-}
-
-}  // namespace
 
 frmDiffCapSize::frmDiffCapSize(const display::Context& c)
     : Form(c.forms, u"frmDiffCapSize"), m_c(c), m_choice(m_c, *this) {
@@ -27,9 +19,9 @@ frmDiffCapSize::frmDiffCapSize(const display::Context& c)
 void frmDiffCapSize::OnLoad() {
     modLanguage::ApplyLanguage(m_c, *this);
     m_c.display.g_ResDialogResult = 0;
-    m_choice.Enter();
-    ShowSize(optCurrRes, m_choice.EntrySize());
-    ShowSize(optOriRes, m_choice.RecommendedSize());
+    m_choice.Enter(m_c.display.g_Monitor);
+    display::Offer(optCurrRes, m_choice.EntrySize());
+    display::Offer(optOriRes, m_choice.RecommendedSize());
 }
 
 void frmDiffCapSize::cmdContinue_Click() {

@@ -40,10 +40,8 @@ frmLargeCapSize::frmLargeCapSize(const display::Context& c)
 void frmLargeCapSize::OnLoad() {
     modLanguage::ApplyLanguage(m_c, *this);
     m_c.display.g_ResDialogResult = 0;
-    m_choice.Enter();
-    const modRegion::Size recommended = m_choice.RecommendedSize();
-    optRcmdRes.SetCaption(modGlobal::Replace(optRcmdRes.Caption(), u"%s", display::SizeText(recommended)));
-    optRcmdRes.SetVisible(recommended != modRegion::Size{});
+    m_choice.Enter(m_c.display.g_Monitor);
+    display::Offer(optRcmdRes, m_choice.RecommendedSize());
     ShowPictures();
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "display/ResolutionChoice.h"
+#include "display/frmChangeRes.h"
 #include "display/frmDiffCapSize.h"
 #include "display/frmLargeCapSize.h"
 #include "host/ResumeNext.h"
@@ -66,6 +67,11 @@ Size BoundFor(Size largest) {
     return ratio == kEightToFive ? Size{1280, 800} : Size{1024, 768};
 }
 
+Size Recommend(const std::vector<Size>& modes, Size largest) {
+    if (largest == Size{}) return {};  // a monitor that tells no modes
+    return FindCommonMode(modes, largest).value_or(LargestWithin(modes, BoundFor(largest)));
+}
+
 /// The yes/no question for media whose frame size no resolution can give.
 bool AskDifferentSizes(const display::Context& c, Size media) {
     const Size region{c.display.g_RegionWidth, c.display.g_RegionHeight};
@@ -96,13 +102,19 @@ bool SurveyResolution(const display::Context& c, host::MonitorHandle monitor) {
     Size largest;
     for (const Size mode : modes)
         if (IsLarger(mode, largest)) largest = mode;
-    if (largest == Size{}) return false;
-    const Size recommended = FindCommonMode(modes, largest).value_or(LargestWithin(modes, BoundFor(largest)));
+    const Size recommended = Recommend(modes, largest);
     c.display.g_MaxResWidth = largest.width;
     c.display.g_MaxResHeight = largest.height;
     c.display.g_RcmdResWidth = recommended.width;
     c.display.g_RcmdResHeight = recommended.height;
     return true;
+}
+
+void ChangeResolution(const display::Context& c) {
+    if (c.forms.IsFormLoaded(u"frmChangeRes")) return;
+    constexpr host::MonitorHandle kDefaultMonitor = 0;
+    SurveyResolution(c, kDefaultMonitor);
+    c.forms.Get<frmChangeRes>(c).ShowModal();
 }
 
 void ApplyResolution(const display::Context& c, host::MonitorHandle monitor, std::int32_t width, std::int32_t height) {
@@ -122,13 +134,8 @@ bool ResolveDifferentFrameSize(const display::Context& c, Size media) {
 
 void CenterOnMonitor(const display::Context& c, ui::Form& form, host::MonitorHandle monitor) {
     ui::WindowPlace place = form.Place();
-    const host::Rect area = modMonitor::PhysicalToLogicalRect(c, modMonitor::GetMonitorRect(c, monitor));
-    place.start = ui::StartPosition::CentreScreen;
-    if (place.width > 0 && place.height > 0 && area != host::Rect{}) {
-        place.start = ui::StartPosition::Manual;
-        place.left = area.left + (area.right - area.left - place.width) / 2;
-        place.top = area.top + (area.bottom - area.top - place.height) / 2;
-    }
+    place.area = modMonitor::PhysicalToLogicalRect(c, modMonitor::GetMonitorRect(c, monitor));
+    place.start = place.area == host::Rect{} ? ui::StartPosition::CentreScreen : ui::StartPosition::CentreArea;
     form.SetPlace(place);
 }
 

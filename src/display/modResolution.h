@@ -16,6 +16,10 @@ namespace kestrum::modResolution {
 /// monitor. False, with the values left alone, for a monitor that cannot be read.
 bool SurveyResolution(const display::Context& c, host::MonitorHandle monitor);
 
+/// The command: surveys the default monitor and offers its sizes (frmChangeRes, modal, re-enters). Nothing happens
+/// while the dialog is up already.
+void ChangeResolution(const display::Context& c);
+
 /// Changes the display mode and keeps it in the user's settings; a failure leaves the display as it is. The caller has
 /// checked that the size is not in force already.
 void ApplyResolution(const display::Context& c, host::MonitorHandle monitor, std::int32_t width, std::int32_t height);
@@ -29,7 +33,7 @@ bool OfferLowerResolution(const display::Context& c);
 /// monitor's size again afterwards.
 bool ResolveDifferentFrameSize(const display::Context& c, modRegion::Size media);
 
-/// Centres a form on the monitor, after its mode changed.
+/// Centres a form on the monitor, as large as that is now.
 void CenterOnMonitor(const display::Context& c, ui::Form& form, host::MonitorHandle monitor);
 
 }  // namespace kestrum::modResolution

@@ -51,6 +51,13 @@ void ReadScreenSize(const recording::Context& c) {
     c.display.g_ScreenHeight = modMonitor::GetMonitorHeight(c, c.display.g_Monitor, modMonitor::kPixels);
 }
 
+/// The size of the monitor is known; false after telling that it is not.
+bool CheckScreenSize(const recording::Context& c) {
+    if (c.display.g_ScreenWidth != 0 && c.display.g_ScreenHeight != 0) return true;
+    modMsgBox::MsgBox(c, u"Kestrum cannot get monitor resolution. Please report this error to Kestrum developer.");
+    return false;
+}
+
 bool FindMonitor(const recording::Context& c, float left, float top) {
     constexpr double kPointsPerInch = 72;
     host::Point point{ToInt32(left * c.host.monitors.PixelsPerInchX() / kPointsPerInch),
@@ -63,9 +70,7 @@ bool FindMonitor(const recording::Context& c, float left, float top) {
     }
     c.display.g_Monitor = *monitor;
     ReadScreenSize(c);
-    if (c.display.g_ScreenWidth != 0 && c.display.g_ScreenHeight != 0) return true;
-    modMsgBox::MsgBox(c, u"Kestrum cannot get monitor resolution. Please report this error to Kestrum developer.");
-    return false;
+    return CheckScreenSize(c);
 }
 
 /// Frame size of the media that the package holds; none for a new recording.
@@ -81,9 +86,11 @@ std::optional<Size> MediaFrameSize(const recording::Context& c) {
     return size;
 }
 
-/// The slide's region is used: by the setting, or because the user wants it. Without it the region is the screen.
+/// The slide's region is used: by the setting, or because the user wants it. Without it the region is the screen, and
+/// nothing is asked where both are the same.
 bool ChooseSlideRegion(const recording::Context& c, bool useRegion) {
-    if (useRegion || RegionOf(c) == WholeScreen(c)) return true;
+    if (useRegion) return true;
+    if (RegionOf(c) == WholeScreen(c)) return false;
     String question = modLanguage::GetResString(c, u"frmPPT", u"msgDiffRatio",
                                                 u"This presentation and the screen use different aspect ratios!\r\nDo "
                                                 u"you want to record only the region of the "
@@ -93,24 +100,25 @@ bool ChooseSlideRegion(const recording::Context& c, bool useRegion) {
     return false;
 }
 
-/// After a dialog that may have changed the monitor's mode.
-void FollowScreen(const recording::Context& c, bool slideRegion) {
+/// After a dialog that may have changed the monitor's mode. False, told, if the monitor was unplugged meanwhile.
+bool FollowScreen(const recording::Context& c, bool slideRegion) {
     Size before = ScreenOf(c);
     ReadScreenSize(c);
-    if (ScreenOf(c) == before) return;
+    if (ScreenOf(c) == before) return true;
+    if (!CheckScreenSize(c)) return false;
     if (slideRegion) {
         modRegion::SlideRegion(c);
     } else {
         SetRegion(c, WholeScreen(c));
     }
+    return true;
 }
 
 bool FitToMedia(const recording::Context& c, Size media, bool useRegion) {
     bool slideRegion = ChooseSlideRegion(c, useRegion);
     if (media == RegionOf(c)) return true;
     if (!modResolution::ResolveDifferentFrameSize(c, media)) return false;
-    FollowScreen(c, slideRegion);
-    return true;
+    return FollowScreen(c, slideRegion);
 }
 
 bool IsLargeFrame(Size size) {
@@ -123,8 +131,7 @@ bool FitNewRecording(const recording::Context& c, bool useRegion) {
     bool slideRegion = ChooseSlideRegion(c, useRegion);
     if (!IsLargeFrame(RegionOf(c))) return true;
     if (!modResolution::OfferLowerResolution(c)) return false;
-    FollowScreen(c, slideRegion);
-    return true;
+    return FollowScreen(c, slideRegion);
 }
 
 void PlaceRegion(const recording::Context& c) {
@@ -181,8 +188,11 @@ bool ComputeCaptureRegion(const recording::Context& c, float left, float top) {
 }
 
 bool CheckCaptureRegion(const recording::Context& c, float left, float top) {
-    host::ResumeNext Try(c.host.trace);
-    if (Try.If([&] { return ComputeCaptureRegion(c, left, top); })) return true;
+    try {
+        if (ComputeCaptureRegion(c, left, top)) return true;
+    } catch (const host::Error& error) {
+        modMsgBox::MsgBox(c, error.Description());
+    }
     modViewer::UnloadMasks(c);
     return false;
 }

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "host/IFormPresenter.h"
+#include "host/IMonitors.h"
 #include "ui/Layout.h"
 
 namespace kestrum::ui {
@@ -29,6 +30,7 @@ enum class StartPosition {
     Manual,              ///< left and top as set
     CentreScreen,        ///< in the middle of the default monitor
     CentreHorizontally,  ///< top as set, in the middle of the default monitor's width
+    CentreArea,          ///< in the middle of `area`, again each time that is set to another
 };
 
 struct WindowStyle {
@@ -45,6 +47,8 @@ struct WindowStyle {
 struct WindowPlace {
     StartPosition start = StartPosition::CentreScreen;
     std::int32_t left = 0, top = 0, width = 0, height = 0;
+    host::Rect area = {};  ///< for CentreArea
+    bool operator==(const WindowPlace&) const = default;
 };
 
 class Form {

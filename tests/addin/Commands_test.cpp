@@ -252,6 +252,23 @@ TEST_F(Commands, Devices_WaitForTheSiblingThatHoldsThem) {
     EXPECT_FALSE(session.c.forms.IsFormLoaded(u"frmDevice"));
 }
 
+TEST_F(Commands, ChangeResolution_NeedsNoLecture_AndOpensNone) {
+    session.support.packagePath.clear();
+    world.monitors.SetSingle(1920, 1080);
+    world.presenter.Click(u"frmChangeRes", u"optRcmdRes").Click(u"frmChangeRes", u"cmdExit");
+    const auto before = world.fs.All();
+    session.addIn.NotesButton(u"mnuChangeRes");
+    EXPECT_TRUE(world.presenter.LeftOverActs().empty());
+    EXPECT_EQ(world.monitors.CurrentMode(0)->width, 1280);
+    EXPECT_EQ(world.fs.All(), before);
+}
+
+TEST_F(Commands, ChangeResolution_WaitsForARecordingToEnd) {
+    Play().PressRecord().At(5s).Command(u"mnuChangeRes").PressEscape().At(9s).Run();
+    EXPECT_EQ(Boxes().size(), 1U);
+    EXPECT_FALSE(session.c.forms.IsFormLoaded(u"frmChangeRes"));
+}
+
 TEST_F(Commands, AnyFailingCall_LeavesNoFolderAndNoBusyFlag) {
     sim::FaultSweep(u"fs.*", [](const auto& arm) {
         test::LectureDesk desk;

@@ -83,6 +83,12 @@ TEST(CommandLine, Info_TakesJson) {
     EXPECT_EQ(info.package, "a.ktr");
 }
 
+TEST(CommandLine, Resolution_TakesNothing) {
+    EXPECT_TRUE(std::holds_alternative<ResolutionRequest>(ParseCommandLine({"resolution"})));
+    EXPECT_THROW(ParseCommandLine({"resolution", "1280x720"}), UsageError);
+    EXPECT_NE(HelpText().find("kestrum resolution"), std::string::npos);
+}
+
 TEST(CommandLine, Configure_TakesALectureOrNone) {
     EXPECT_EQ(std::get<ConfigureRequest>(ParseCommandLine({"configure"})).source, "");
     EXPECT_EQ(std::get<ConfigureRequest>(ParseCommandLine({"configure", "a b.pptx"})).source, "a b.pptx");

@@ -75,6 +75,15 @@ TEST_F(ResolutionTest, Survey_IgnoresModesOfAnotherDepthOrRate) {
     EXPECT_EQ(w.Largest(), (Size{1920, 1080}));
 }
 
+TEST_F(ResolutionTest, Survey_OfAMonitorWhoseModesAreNotTold_RecommendsNone_NotThatOfAnother) {
+    w.SetModes({1920, 1080}, {{1920, 1080}, {1280, 720}});
+    ASSERT_TRUE(Survey());
+    w.SetModes({1280, 1024}, {});
+    EXPECT_TRUE(Survey());
+    EXPECT_EQ(w.Recommended(), Size{});
+    EXPECT_EQ(w.Largest(), Size{});
+}
+
 TEST_F(ResolutionTest, Survey_OfAnUnknownMonitor_IsFalseAndLeavesTheValues) {
     w.display.g_MaxResWidth = 7;
     EXPECT_FALSE(modResolution::SurveyResolution(w.c, 4711));
@@ -254,13 +263,14 @@ TEST_F(DiffCapSizeTest, MediaThatNoResolutionFits_IsAskedAboutAndMayPass) {
 
 // --- Centring ------------------------------------------------------------------------------------------------------
 
-TEST_F(ResolutionTest, CenterOnMonitor_PutsAFormOfKnownSizeInTheMiddleOfItsMonitor) {
+TEST_F(ResolutionTest, CenterOnMonitor_PutsAFormInTheMiddleOfItsMonitor) {
     const host::MonitorHandle second = w.world.monitors.AddRight(1280, 1024);
     auto& form = w.forms.Get<frmDiffCapSize>(w.c);
-    form.SetBounds(0, 0, 400, 200);
     modResolution::CenterOnMonitor(w.c, form, second);
-    EXPECT_EQ(form.Place().left, 1920 + 440);
-    EXPECT_EQ(form.Place().top, 412);
+    EXPECT_EQ(form.Place().start, ui::StartPosition::CentreArea);
+    EXPECT_EQ(form.Place().area, (host::Rect{1920, 0, 3200, 1024}));
+    modResolution::CenterOnMonitor(w.c, form, 4711);
+    EXPECT_EQ(form.Place().start, ui::StartPosition::CentreScreen) << "an unknown monitor";
 }
 
 }  // namespace

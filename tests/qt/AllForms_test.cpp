@@ -5,6 +5,7 @@
 #include "devices/frmDevice.h"
 #include "devices/frmVolMsg.h"
 #include "devices/frmVolSetting.h"
+#include "display/frmChangeRes.h"
 #include "display/frmDiffCapSize.h"
 #include "display/frmLargeCapSize.h"
 #include "publish/frmExportMp4.h"
@@ -40,6 +41,7 @@ TEST_F(AllFormsTest, EveryFormAndEveryCaptionedControl_HasItsText) {
     ExpectCaptions(forms.Get<frmDevice>(sound), {u"lAudioQualityHelp", u"lTimeString", u"lVideoMsg", u"lVolumeMsg"});
     ExpectCaptions(forms.Get<frmVolMsg>(sound), {});
     ExpectCaptions(forms.Get<frmVolSetting>(sound), {});
+    ExpectCaptions(forms.Get<frmChangeRes>(picture), {});
     ExpectCaptions(forms.Get<frmDiffCapSize>(picture), {});
     ExpectCaptions(forms.Get<frmLargeCapSize>(picture), {});
     ExpectCaptions(forms.Get<frmExportMp4>(publishHere), {u"txtConvert", u"lSpace", u"lCaptions"});

@@ -169,21 +169,31 @@ void FormWindow::SyncSize() {
     if (size != this->size() || size != minimumSize()) setFixedSize(size);
 }
 
+QPoint FormWindow::CornerOf(const ui::WindowPlace& place) const {
+    const host::Rect& area = place.area;
+    const QRect screen = place.start == ui::StartPosition::CentreArea
+                             ? QRect(QPoint(area.left, area.top), QPoint(area.right - 1, area.bottom - 1))
+                             : QGuiApplication::primaryScreen()->geometry();
+    const int middle = screen.left() + (screen.width() - width()) / 2;
+    switch (place.start) {
+        case ui::StartPosition::Manual:
+            return {place.left, place.top};
+        case ui::StartPosition::CentreHorizontally:
+            return {middle, place.top};
+        default:
+            return {middle, screen.top() + (screen.height() - height()) / 2};
+    }
+}
+
 /// A place is taken when the window first appears and when the program sets another; meanwhile the user may move it.
 void FormWindow::SyncPlace() {
     const ui::WindowPlace& place = m_form.Place();
-    const bool same = m_placed && place.start == m_place.start && place.left == m_place.left &&
-                      place.top == m_place.top && place.width == m_place.width && place.height == m_place.height;
+    const bool same = m_placed && place == m_place;
     const bool staysCentred = m_pinned && place.start != ui::StartPosition::Manual;
     if (same && !staysCentred) return;
     m_placed = true;
     m_place = place;
-    const QRect screen = QGuiApplication::primaryScreen()->geometry();
-    QPoint corner(place.left, place.top);
-    if (place.start != ui::StartPosition::Manual) corner.setX(screen.left() + (screen.width() - width()) / 2);
-    if (place.start == ui::StartPosition::CentreScreen) {
-        corner.setY(screen.top() + (screen.height() - height()) / 2);
-    }
+    const QPoint corner = CornerOf(place);
     if (corner != pos() || !isVisible()) move(corner);
 }
 

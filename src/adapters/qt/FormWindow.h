@@ -46,6 +46,7 @@ class FormWindow : public QWidget {
     void SyncAccessKeys();
     void SyncSize();
     void SyncPlace();
+    QPoint CornerOf(const ui::WindowPlace& place) const;
     void SyncFocus();
     /// By a page, where a text is too long for the screen.
     void ScrollText(bool down);

@@ -70,7 +70,7 @@ String Monitors::MonitorName(host::MonitorHandle monitor) {
 
 std::optional<host::DisplayMode> Monitors::CurrentMode(host::MonitorHandle monitor) {
     Monitor* found = Find(monitor);
-    if (!found) return std::nullopt;
+    if (!found || found->hidesMode) return std::nullopt;
     const host::Rect& r = found->rect;
     return host::DisplayMode{r.right - r.left, r.bottom - r.top, bitsPerPixel, 60};
 }

@@ -16,6 +16,8 @@ struct Monitor {
     /// Physical pixels per logical pixel; the monitor record is the physical rectangle divided by it.
     double scale = 1.0;
     bool refusesChanges = false;
+    /// Its mode in force cannot be read.
+    bool hidesMode = false;
 };
 
 class Monitors : public host::IMonitors {

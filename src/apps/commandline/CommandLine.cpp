@@ -164,6 +164,11 @@ DevicesRequest ParseDevices(Words& words) {
     return request;
 }
 
+ResolutionRequest ParseResolution(Words& words) {
+    if (!words.AtEnd()) throw UsageError("resolution takes nothing behind it, not \"" + words.Take() + "\".");
+    return {};
+}
+
 InfoRequest ParseInfo(Words& words) {
     InfoRequest request;
     while (!words.AtEnd()) {
@@ -208,6 +213,7 @@ Request ParseCommandLine(const std::vector<std::string>& arguments) {
     if (command == "publish") return ParsePublish(words);
     if (command == "configure") return ParseConfigure(words);
     if (command == "devices") return ParseDevices(words);
+    if (command == "resolution") return ParseResolution(words);
     if (command == "info") return ParseInfo(words);
     if (command == "verify") return ParseVerify(words);
     if (command == "help" || command == "--help" || command == "-h") return HelpRequest{};
@@ -237,6 +243,9 @@ std::string HelpText() {
   kestrum devices [DECK|PACKAGE]
       Shows microphone and camera on the desktop, with level, picture and a test recording, to choose among them.
       --list [--json]    prints the devices instead
+
+  kestrum resolution
+      Offers the screen resolution that suits recording; what is chosen is in force at once and stays.
 
   kestrum info [--json] PACKAGE
       Shows what a package holds: title, length, stored files, index.

@@ -43,6 +43,9 @@ struct DevicesRequest {
     bool json = false;
 };
 
+/// `kestrum resolution`
+struct ResolutionRequest {};
+
 /// `kestrum info [--json] PACKAGE`
 struct InfoRequest {
     std::string package;
@@ -63,8 +66,8 @@ struct RegisterRequest {};
 struct HelpRequest {};
 struct VersionRequest {};
 
-using Request = std::variant<RecordRequest, PublishRequest, ConfigureRequest, DevicesRequest, InfoRequest,
-                             VerifyRequest, RegisterRequest, HelpRequest, VersionRequest>;
+using Request = std::variant<RecordRequest, PublishRequest, ConfigureRequest, DevicesRequest, ResolutionRequest,
+                             InfoRequest, VerifyRequest, RegisterRequest, HelpRequest, VersionRequest>;
 
 /// The words cannot be understood; what() is the sentence for the user.
 class UsageError : public std::runtime_error {

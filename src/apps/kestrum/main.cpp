@@ -9,6 +9,7 @@
 #include "apps/kestrum/BatchProgram.h"
 #include "apps/kestrum/PublishCommand.h"
 #include "apps/kestrum/RecordCommand.h"
+#include "apps/kestrum/ResolutionCommand.h"
 #include "apps/kestrum/SettingsCommands.h"
 #include "apps/kestrum/VerifyPackage.h"
 #include "project/modProject.h"
@@ -42,6 +43,7 @@ int Run(Console& console, const std::vector<std::string>& arguments) {
     if (const auto* configure = std::get_if<ConfigureRequest>(&request)) return RunConfigure(console, *configure);
     if (const auto* devices = std::get_if<DevicesRequest>(&request); devices && !devices->list)
         return RunDevices(console, *devices);
+    if (std::holds_alternative<ResolutionRequest>(request)) return RunResolution(console);
     if (std::holds_alternative<RegisterRequest>(request)) return 0;
     if (!std::holds_alternative<HelpRequest>(request)) return RunPortable(console, request);
     std::cout << HelpText();
