@@ -193,3 +193,80 @@ class Recording:
     def output(self):
         self._log.seek(0)
         return self._log.read()
+
+
+class Desk:
+    """A private screen with the monitors named (tools/xorg-monitors) that stays; a test works on it with the keyboard."""
+
+    def __init__(self, *monitors):
+        self.room = pathlib.Path(tempfile.mkdtemp(prefix="kestrum-desk."))
+        words = [word for monitor in monitors for word in ("--monitor", monitor)]
+        script = 'env -0 >"$1/env.new"; mv "$1/env.new" "$1/env"; exec sleep 86400'
+        self.process = subprocess.Popen(
+            [str(ROOT / "tools" / "private-screen"), "--speech", str(ROOT / "samples" / "speech.txt"), *words, "sh",
+             "-c", script, "desk", str(self.room)], start_new_session=True)
+        self.wait_for("the private screen", (self.room / "env").exists)
+        text = (self.room / "env").read_text().rstrip("\0")
+        self.env = dict(line.split("=", 1) for line in text.split("\0"))
+        self.started = []
+
+    def end(self):
+        for process in self.started:
+            if process.poll() is None:
+                process.terminate()
+                process.wait(timeout=60)
+        os.killpg(self.process.pid, signal.SIGTERM)
+        self.process.wait(timeout=60)
+        shutil.rmtree(self.room, ignore_errors=True)
+
+    @staticmethod
+    def wait_for(what, done):
+        deadline = time.monotonic() + PATIENCE
+        while not done():
+            assert time.monotonic() < deadline, f"{what} never came"
+            time.sleep(0.2)
+
+    def run(self, *command, **options):
+        return run(*command, env=self.env, **options)
+
+    def start(self, *command):
+        """A program that runs on; its output goes to `log`."""
+        self.log = self.room / "log"
+        with open(self.log, "w") as log:
+            process = subprocess.Popen([str(word) for word in command], env=self.env, stdout=log, stderr=log)
+        self.started.append(process)
+        return process
+
+    def press(self, *keys):
+        """Keys for the window that has the keyboard, one after the other."""
+        for key in keys:
+            self.run("xdotool", "key", key)
+            time.sleep(0.3)
+
+    def window(self, title):
+        """Waits for a window of this title that has the keyboard; its place: x, y, width, height."""
+        def active():
+            name = self.run("xdotool", "getactivewindow", "getwindowname", check=False)
+            return name.returncode == 0 and name.stdout.strip() == title
+        self.wait_for(f"the window {title}", active)
+        time.sleep(0.3)  # the keyboard is there; the controls take it next
+        shell = self.run("xdotool", "getactivewindow", "getwindowgeometry", "--shell").stdout
+        place = dict(line.split("=") for line in shell.split())
+        return tuple(int(place[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+
+    def monitor(self, output="DUMMY0"):
+        """Place of a monitor: width, height, x, y; None while it is off."""
+        state = self.run("xrandr", "--current").stdout
+        found = re.search(rf"^{output} connected (?:primary )?(\d+)x(\d+)\+(\d+)\+(\d+)", state, re.M)
+        return tuple(int(number) for number in found.groups()) if found else None
+
+    def picture(self, path):
+        """What is on the screen, for a person to look at."""
+        self.run("import", "-window", "root", path, check=False)
+
+    def wait_for_entries(self, package, count, process):
+        def there():
+            assert process.poll() is None, "the recording ended early:\n" + self.log.read_text()
+            answer = run(KESTRUM, "info", "--json", package, check=False) if package.exists() else None
+            return answer and answer.returncode == 0 and len(json.loads(answer.stdout)["index"]) >= count
+        self.wait_for(f"{count} entries", there)

@@ -52,7 +52,7 @@ TEST_F(ResolutionFormsTest, ChangeRes_OffersThreeSizes_AndStandsInTheMiddleOfThe
     form.Unload();
 }
 
-TEST_F(ResolutionFormsTest, LargeCapSize_ShowsBothPictures) {
+TEST_F(ResolutionFormsTest, LargeCapSize_NamesTheRecommendedSize) {
     auto& form = Shown(forms.Get<frmLargeCapSize>(c));
     Keep(form);
     ExpectInTheMiddle(form, Screen::kWidth, Screen::kHeight);
