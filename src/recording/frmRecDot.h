@@ -1,5 +1,5 @@
-// The red light in the corner of the default monitor while a recording runs whose running time is not shown: whoever
-// stands at the screen sees at every moment whether it is recording. Never part of the picture.
+// The red light in the corner of the default monitor while a recording runs and its running time is not shown, or not
+// yet: whoever stands at the screen sees at every moment whether it is recording. Never part of the picture.
 #pragma once
 
 #include "recording/Context.h"

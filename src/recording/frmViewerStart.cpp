@@ -4,7 +4,6 @@
 #include "project/modProject.h"
 #include "project/modSlide.h"
 #include "recording/frmNotice.h"
-#include "recording/frmRecDot.h"
 #include "recording/frmRecStatus.h"
 #include "recording/frmViewer.h"
 #include "recording/modCapture.h"
@@ -64,11 +63,12 @@ void frmViewer::PrepareAndRecord() {
     Try([&] { r.g_ShowWindow->Activate(); });
 }
 
-// Painted before the host is asked anything more: it takes its time.
+// Takes the place of the red light; painted before the host is asked anything more, which takes its time.
 void frmViewer::ShowRunningTime() {
     auto& clock = m_c.forms.Get<frmRecStatus>(m_c);
     clock.Show();
     clock.Refresh();
+    modViewer::UnloadForm(m_c, u"frmRecDot");
 }
 
 bool frmViewer::StartIsRefused() {
@@ -157,7 +157,6 @@ bool frmViewer::StartPowerPointRecord() {
         if (modViewer::RegionIsSmaller(m_c)) modViewer::UnloadMasks(m_c);
         return false;
     }
-    if (!ShowsRecStatus(m_c)) m_c.forms.Get<frmRecDot>(m_c).Light();
     m_c.host.ksLib.SetVolumeMeter([this](std::int32_t level) {
         constexpr std::int32_t kAudioLevel = 1143;
         OnMessage(host::WindowMessage{kAudioLevel, level, 0, {}});

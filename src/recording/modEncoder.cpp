@@ -3,6 +3,7 @@
 #include "devices/modDevice.h"
 #include "devices/modVolume.h"
 #include "project/modProject.h"
+#include "recording/frmRecDot.h"
 #include "recording/modViewer.h"
 #include "support/frmStatus.h"
 #include "support/modConfig.h"
@@ -146,6 +147,8 @@ void WriteMarkers(const recording::Context& c, StringView recording, const Strin
 
 void Run(const recording::Context& c) {
     recording::State& r = c.recording;
+    // On before the first picture is taken: nothing is ever recorded unseen.
+    c.forms.Get<frmRecDot>(c).Light();
     r.g_EncoderStarted = true;
     c.project.storedProject.clear();  // from now on the worker changes what is stored
     r.g_LastEncoderResult = c.host.ksLib.EncoderStart(0);
