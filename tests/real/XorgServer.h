@@ -28,10 +28,10 @@ class XorgServer {
         ChildProcess::Options options;
         options.quiet = true;
         options.inheritedFd = ends[1];
-        m_process = ChildProcess({"Xorg", "-displayfd", std::to_string(ends[1]), "-config", m_folder / "xorg.conf",
-                                  "-logfile", m_folder / "xorg.log", "-novtswitch", "-sharevts", "-nolisten", "tcp",
-                                  "-noreset", "-dpi", "96"},
-                                 options);
+        m_process = ChildProcess(
+            {"Xorg", "-displayfd", std::to_string(ends[1]), "-config", m_folder / "xorg.conf", "-logfile",
+             m_folder / "xorg.log", "-novtswitch", "-sharevts", "-nolisten", "tcp", "-noreset", "-dpi", "96"},
+            options);
         close(ends[1]);
         for (char c; read(ends[0], &c, 1) == 1 && c != '\n';) m_number += c;
         close(ends[0]);
