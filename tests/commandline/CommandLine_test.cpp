@@ -28,6 +28,13 @@ TEST(CommandLine, Record_WithoutAdvance_WaitsForAPerson) {
     EXPECT_EQ(record.from, 1);
 }
 
+TEST(CommandLine, Watch_TakesOnePresentation) {
+    EXPECT_EQ(std::get<WatchRequest>(ParseCommandLine({"watch", "a.pptx"})).deck, "a.pptx");
+    EXPECT_THROW(ParseCommandLine({"watch"}), UsageError);
+    EXPECT_THROW(ParseCommandLine({"watch", "a.pptx", "b.pptx"}), UsageError);
+    EXPECT_THROW(ParseCommandLine({"watch", "a.pptx", "--advance", "1"}), UsageError);
+}
+
 TEST(CommandLine, Record_RefusesNumbersThatAreNone) {
     EXPECT_NE(UsageErrorOf({"record", "a.pptx", "--from", "0"}).find("--from"), std::string::npos);
     EXPECT_NE(UsageErrorOf({"record", "a.pptx", "--from", "2x"}).find("2x"), std::string::npos);

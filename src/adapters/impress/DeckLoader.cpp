@@ -103,6 +103,8 @@ Reference<css::frame::XModel> LoadDeck(const Reference<css::uno::XComponentConte
     if (filter.isEmpty()) throw RefusalAfter(path, *answers);
     const auto arguments =
         Properties({handler, Property("FilterName", Any(filter)), Property("OnMainThread", Any(true)),
+                    // A template is opened itself: a new document made from it would have no name to be recorded under.
+                    Property("AsTemplate", Any(false)),
                     Property("MacroExecutionMode", Any(css::document::MacroExecMode::NEVER_EXECUTE)),
                     Property("UpdateDocMode", Any(css::document::UpdateDocMode::NO_UPDATE))});
     try {

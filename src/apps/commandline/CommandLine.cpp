@@ -75,6 +75,17 @@ RecordRequest ParseRecord(Words& words) {
     return request;
 }
 
+WatchRequest ParseWatch(Words& words) {
+    WatchRequest request;
+    while (!words.AtEnd()) {
+        const std::string word = words.Take();
+        if (IsOption(word)) throw UsageError("watch has no option " + word + ".");
+        TakeOperand(request.deck, word, "presentation");
+    }
+    if (request.deck.empty()) throw UsageError("watch needs a presentation: kestrum watch DECK.");
+    return request;
+}
+
 /// A whole number from `least` to `most`; throws `sentence` otherwise.
 std::int32_t Bounded(std::string_view text, std::int32_t least, std::int32_t most, const std::string& sentence) {
     std::int32_t number = 0;
@@ -210,6 +221,7 @@ Request ParseCommandLine(const std::vector<std::string>& arguments) {
     if (words.AtEnd()) return HelpRequest{};
     const std::string command = words.Take();
     if (command == "record") return ParseRecord(words);
+    if (command == "watch") return ParseWatch(words);
     if (command == "publish") return ParsePublish(words);
     if (command == "configure") return ParseConfigure(words);
     if (command == "devices") return ParseDevices(words);
@@ -229,6 +241,10 @@ std::string HelpText() {
       Runs the slide show of DECK in Impress and records it into one package beside it (.ktr).
       --from N           begin at slide N
       --advance SECONDS  unattended: every slide stays that long, then the show ends
+
+  kestrum watch DECK
+      Opens DECK in Impress and records each slide show that is started there, until DECK is closed. Automatic recording
+      must be switched on in the settings.
 
   kestrum publish mp4 DECK|PACKAGE... [--size WxH] [--bitrate K] [--webcam PLACE[,SIZE]] [--json]
       Makes a folder with a web page that plays the lecture. The folder stands beside the package.

@@ -17,6 +17,11 @@ struct RecordRequest {
     std::optional<std::int32_t> advanceMs;  ///< unattended: how long each slide stays, 100 ms to a day
 };
 
+/// `kestrum watch DECK`
+struct WatchRequest {
+    std::string deck;
+};
+
 /// `kestrum publish mp4 DECK|PACKAGE... [--size WxH] [--bitrate K] [--webcam POS[,SIZE]] [--json]`
 struct PublishRequest {
     struct Size {
@@ -66,8 +71,9 @@ struct RegisterRequest {};
 struct HelpRequest {};
 struct VersionRequest {};
 
-using Request = std::variant<RecordRequest, PublishRequest, ConfigureRequest, DevicesRequest, ResolutionRequest,
-                             InfoRequest, VerifyRequest, RegisterRequest, HelpRequest, VersionRequest>;
+using Request =
+    std::variant<RecordRequest, WatchRequest, PublishRequest, ConfigureRequest, DevicesRequest, ResolutionRequest,
+                 InfoRequest, VerifyRequest, RegisterRequest, HelpRequest, VersionRequest>;
 
 /// The words cannot be understood; what() is the sentence for the user.
 class UsageError : public std::runtime_error {

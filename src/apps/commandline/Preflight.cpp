@@ -1,11 +1,14 @@
 #include "apps/commandline/Preflight.h"
 
 #include "apps/commandline/Texts.h"
+#include "support/modConfig.h"
 
 namespace kestrum::app {
 namespace {
 
 constexpr std::int64_t kNeededMegabytes = 100;
+/// A name in a folder, in bytes; and the longest ending that the name of a package gets (".unsaved.tmp").
+constexpr std::size_t kLongestName = 255, kLongestEnding = 12;
 constexpr std::int32_t kPictureAttempts = 30;
 constexpr std::int32_t kAttemptMs = 100;
 
@@ -31,7 +34,27 @@ std::optional<String> CheckPackage(const support::Context& c, const String& pack
                     u"\"%s1\" is not a Kestrum package; move it elsewhere, the recording needs this name.", {package});
 }
 
+bool IsNameTooLong(const support::Context& c, const String& package) {
+    return host::ToUtf8(modGlobal::FileNameOf(c, package)).size() + kLongestEnding > kLongestName;
+}
+
 }  // namespace
+
+std::optional<String> CheckNoRecording(const support::Context& c) {
+    constexpr StringView kTokens = u"tokens\\PowerPoint";
+    const bool live =
+        modConfig::GetSetting(c, kTokens, u"recording", u"0") == u"1" && modGlobal::IsTokenFresh(c, u"PowerPoint");
+    if (!live) return std::nullopt;
+    return Sentence(c, u"msgOtherRecording", u"A recording is in progress: \"%s1\". End it first.",
+                    {modConfig::GetSetting(c, kTokens, u"project", u"")});
+}
+
+std::optional<String> CheckAutomatic(const support::Context& c) {
+    if (modConfig::GetSetting(c, u"configure", u"chkAutoRecord", u"0") == u"1") return std::nullopt;
+    return Sentence(c, u"msgNotAutomatic",
+                    u"Automatic recording is switched off, so no slide show would be recorded. Switch it on in the "
+                    u"settings (kestrum configure) and try again.");
+}
 
 std::optional<String> CheckDeck(const support::Context& c, const String& deck) {
     if (!c.host.fs.FileExists(deck)) return Sentence(c, u"msgNoDeck", u"There is no presentation \"%s1\".", {deck});
@@ -40,6 +63,13 @@ std::optional<String> CheckDeck(const support::Context& c, const String& deck) {
     } catch (const host::Error& error) {
         return Sentence(c, u"msgDeckUnreadable", u"The presentation \"%s1\" cannot be read: %s2",
                         {deck, error.Description()});
+    }
+    if (IsNameTooLong(c, modGlobal::PackagePathOf(deck))) {
+        return Sentence(
+            c, u"msgNameTooLong",
+            u"The name of \"%s1\" is too long: the recording is kept beside it under names that are a little "
+            u"longer. Give the presentation a shorter name.",
+            {deck});
     }
     const String folder = modGlobal::FolderOf(c, deck);
     if (!modGlobal::TestFolderWritable(c, folder)) {

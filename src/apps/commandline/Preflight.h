@@ -8,7 +8,15 @@
 
 namespace kestrum::app {
 
-/// The deck is there and can be read, its folder takes files and has room, a package beside it is one of ours.
+/// No other recording runs for this user: two would fight for the screen, and the second show would be part of the
+/// first recording.
+std::optional<String> CheckNoRecording(const support::Context& c);
+
+/// Automatic recording is switched on: else a show that is started by hand would run unrecorded.
+std::optional<String> CheckAutomatic(const support::Context& c);
+
+/// The deck is there and can be read, its name leaves room for the endings of the files beside it, its folder takes
+/// files and has room, a package beside it is one of ours.
 std::optional<String> CheckDeck(const support::Context& c, const String& deck);
 
 /// A microphone (or another source) is there.

@@ -3,22 +3,15 @@
 #include "adapters/impress/ImpressOffice.h"
 #include "adapters/linux/EndSignals.h"
 #include "addin/Session.h"
-#include "apps/commandline/NoOffice.h"
-#include "apps/commandline/Preflight.h"
 #include "apps/commandline/SlideAdvance.h"
 #include "apps/commandline/Texts.h"
-#include "apps/kestrum/BatchProgram.h"
+#include "apps/kestrum/Checks.h"
 #include "apps/kestrum/DeadRecorder.h"
-#include "apps/kestrum/ScreenProgram.h"
 
 namespace kestrum::app {
 namespace {
 
 constexpr std::int32_t kWatchMs = 100;
-
-void RefuseIf(const std::optional<String>& sentence) {
-    if (sentence) throw host::Error(host::ErrorNumber::Automation, u"record", *sentence);
-}
 
 /// One recording from the press of Record to its end.
 class Recording {
@@ -69,25 +62,6 @@ class Recording {
     bool m_ran = false;
 };
 
-/// What needs no screen is looked at before one is asked for. Throws the sentence of the first thing that is wrong.
-void CheckWithoutScreen(Console& console, const String& deck) {
-    BatchProgram program(console);
-    ui::Forms forms(program.Host().presenter, program.Loop());
-    support::State state;
-    RefuseIf(CheckDeck({program.Host(), forms, state}, deck));
-}
-
-/// Sound and picture of this session; throws likewise.
-void CheckWithScreen(ScreenProgram& program) {
-    NoOffice office;
-    host::Host ports = program.Ports(office);
-    ui::Forms forms(ports.presenter, ports.loop);
-    support::State state;
-    const support::Context c{ports, forms, state};
-    RefuseIf(CheckSound(c));
-    RefuseIf(CheckPicture(c));
-}
-
 std::unique_ptr<impress::ImpressOffice> OpenOffice(ScreenProgram& program, Console& console, const String& deck,
                                                    std::int32_t from) {
     console.Notice(u"Impress: " + deck);
@@ -102,7 +76,7 @@ std::unique_ptr<impress::ImpressOffice> OpenOffice(ScreenProgram& program, Conso
 int RunRecord(Console& console, const RecordRequest& request) {
     const String deck = FullPath(request.deck);
     const String package = modGlobal::PackagePathOf(deck);
-    CheckWithoutScreen(console, deck);
+    CheckWithoutScreen(console, deck, false);
     ScreenProgram program(console, request.advanceMs.has_value());
     CheckWithScreen(program);
     const auto office = OpenOffice(program, console, deck, request.from);

@@ -12,6 +12,7 @@
 #include "apps/kestrum/ResolutionCommand.h"
 #include "apps/kestrum/SettingsCommands.h"
 #include "apps/kestrum/VerifyPackage.h"
+#include "apps/kestrum/WatchCommand.h"
 #include "project/modProject.h"
 
 namespace kestrum::app {
@@ -38,6 +39,7 @@ int RunPortable(Console& console, const Request& request) {
 int Run(Console& console, const std::vector<std::string>& arguments) {
     const Request request = ParseCommandLine(arguments);
     if (const auto* record = std::get_if<RecordRequest>(&request)) return RunRecord(console, *record);
+    if (const auto* watch = std::get_if<WatchRequest>(&request)) return RunWatch(console, *watch);
     if (const auto* publish = std::get_if<PublishRequest>(&request)) return RunPublish(console, *publish);
     if (const auto* verify = std::get_if<VerifyRequest>(&request)) return VerifyPackage(console, *verify);
     if (const auto* configure = std::get_if<ConfigureRequest>(&request)) return RunConfigure(console, *configure);
