@@ -153,14 +153,16 @@ def disk_full(drill):
 
 
 def fill(drill, leave):
+    """Somebody's film takes the room but for `leave` MB."""
     left = os.statvfs(drill.folder.root)
-    size = left.f_bavail * left.f_frsize - leave * 2**20
-    with open(drill.folder.root / "somebody's film", "wb") as film:
+    with open(drill.folder.root / "somebody's film", "wb", buffering=0) as film:
+        if leave:
+            return os.posix_fallocate(film.fileno(), 0, left.f_bavail * left.f_frsize - leave * 2**20)
         try:
-            os.posix_fallocate(film.fileno(), 0, size)
+            while True:  # up to the last byte; the recording takes its share meanwhile
+                film.write(b"\0" * 2**16)
         except OSError:
-            film.write(b"\0" * (left.f_bavail * left.f_frsize))  # up to the last byte
-    return size
+            pass
 
 
 def empty(drill):

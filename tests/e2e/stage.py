@@ -124,13 +124,14 @@ class Settings:
 class Recording:
     """A recording under way on a screen of its own, to be disturbed."""
 
-    def __init__(self, deck, advance=None, *options, settings=None, command="record", desktop="openbox"):
+    def __init__(self, deck, advance=None, *options, settings=None, command="record", size="1920x1080",
+                 desktop="openbox"):
         self._log = tempfile.TemporaryFile(mode="w+")
         kept = ["--settings", str(settings.folder)] if settings else []
         pace = ["--advance", str(advance)] if advance else []
         self.process = subprocess.Popen(
             [str(ROOT / "tools" / "private-screen"), "--speech", str(ROOT / "samples" / "speech.txt"), *kept,
-             "--desktop", desktop, str(KESTRUM), command, str(deck), *pace, *options],
+             "--size", size, "--desktop", desktop, str(KESTRUM), command, str(deck), *pace, *options],
             stdout=self._log, stderr=subprocess.STDOUT, start_new_session=True)
 
     def children(self, name):

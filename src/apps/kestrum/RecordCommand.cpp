@@ -39,6 +39,8 @@ class Recording {
     /// Ends the show, and with it the recording, as its user would.
     void End() {
         host::ResumeNext{m_session.c.host.trace}([this] { m_office.SlideShowWindow(1)->View()->Exit(); });
+        // A message that nobody reads must not keep the program from ending.
+        if (ui::Form* message = m_session.c.forms.Find(u"frmMsgBox")) message->Unload();
     }
 
   private:
