@@ -43,6 +43,14 @@ TEST_F(modVolumeTest, SoundAtThe50thTick_EndsTheTestWithoutADialog) {
     EXPECT_FALSE(DialogIsUp());
 }
 
+TEST_F(modVolumeTest, SoundAtThe51stTick_IsTooLate) {
+    Start();
+    for (int i = 1; i <= 50; ++i) Tick();
+    devices.g_AudioLevel = 40;
+    EXPECT_FALSE(Tick());
+    EXPECT_TRUE(DialogIsUp()) << "the limit is looked at before the level";
+}
+
 TEST_F(modVolumeTest, AReset_CountsAnew) {
     Start();
     for (int i = 1; i <= 50; ++i) Tick();

@@ -2,6 +2,7 @@
 #include <set>
 
 #include "devices/frmConfig.h"
+#include "devices/frmConfigSound.h"
 #include "devices/frmDevice.h"
 #include "devices/frmVolMsg.h"
 #include "devices/frmVolSetting.h"
@@ -18,6 +19,12 @@
 
 namespace kestrum::qt {
 namespace {
+
+struct NoPage : host::IPageView {
+    void OpenPage(const String&, std::function<void()>) override {}
+    void RunScript(const String&) override {}
+    void ClosePage() override {}
+};
 
 class AllFormsTest : public ProductFormsTest {
   protected:
@@ -39,6 +46,8 @@ TEST_F(AllFormsTest, EveryFormAndEveryCaptionedControl_HasItsText) {
     const display::Context picture{projectHere, display};
     ExpectCaptions(forms.Get<frmConfig>(sound), {u"lAudioQualityHelp", u"lTimeString"});
     ExpectCaptions(forms.Get<frmDevice>(sound), {u"lAudioQualityHelp", u"lTimeString", u"lVideoMsg", u"lVolumeMsg"});
+    NoPage page;
+    ExpectCaptions(forms.Get<frmConfigSound>(frmConfigSound::Context{sound, page}), {});
     ExpectCaptions(forms.Get<frmVolMsg>(sound), {});
     ExpectCaptions(forms.Get<frmVolSetting>(sound), {});
     ExpectCaptions(forms.Get<frmChangeRes>(picture), {});
