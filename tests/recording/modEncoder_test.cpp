@@ -251,6 +251,22 @@ TEST_F(Lecture, SilentMicrophone_BringsUpTheWarningOnce_AndTheEndTakesItDown) {
     ExpectAtRest();
 }
 
+TEST_F(Lecture, WarningThatWasClosed_DoesNotComeAgainInThisRecording) {
+    Set(u"chkLowVolDetect", u"1");
+    Play()
+        .PressRecord()
+        .At(13s)
+        .Do([this] { EXPECT_TRUE(session.c.forms.Find(u"frmVolMsg")->Click(u"cmdOK")); })
+        .At(40s)
+        .Do([this] {
+            EXPECT_FALSE(session.c.forms.IsFormLoaded(u"frmVolMsg"));
+            EXPECT_EQ(world.loop.TimerCount(u"frmViewer.tmrLowVolTest"), 0);
+        })
+        .PressEscape()
+        .At(50s)
+        .Run();
+}
+
 TEST_F(Lecture, MicrophoneThatIsHeard_EndsTheDetection) {
     Set(u"chkLowVolDetect", u"1");
     Play()
