@@ -105,6 +105,21 @@ class ScreensTest(unittest.TestCase):
         self.assertFalse(folder.package.exists())
         self.assertFalse(pathlib.Path(str(folder.package) + "._tmp").exists())
 
+    def test_a_signal_answers_the_questions_before_a_recording(self):
+        desk, folder = self.desk(FULL), self.folder()
+        recording = desk.start(KESTRUM, "record", folder.deck)
+        desk.window("Volume Setting")
+        recording.terminate()
+        self.assertEqual(recording.wait(timeout=PATIENCE), 143, desk.log.read_text())
+        recording = self.begin_to_record(desk, folder)
+        desk.window("Screen Resolution")
+        desk.press("Down")
+        desk.wait_for("the recommended mode", lambda: desk.monitor() == (1280, 720, 0, 0))
+        recording.terminate()
+        self.assertEqual(recording.wait(timeout=PATIENCE), 143, desk.log.read_text())
+        self.assertEqual(desk.monitor(), (1920, 1080, 0, 0))
+        self.assertFalse(folder.package.exists())
+
     def test_media_of_another_size_get_their_resolution_back(self):
         desk, folder = self.desk(FULL), self.folder()
         desk.run("xrandr", "--output", "DUMMY0", "--mode", "1280x720-50")

@@ -14,6 +14,7 @@
 #include "qt/ProductForms.h"
 #include "real/Desktop.h"
 #include "recording/frmMask1.h"
+#include "recording/frmNotice.h"
 #include "recording/frmRecDot.h"
 #include "recording/frmRecStatus.h"
 #include "recording/frmTopmost.h"
@@ -94,6 +95,21 @@ TEST_F(ProductFormsTest, SeeThroughWindows_LetTheShowBeSeen_WithACompositor_AndC
     }
     show.update();
     EXPECT_TRUE(PumpUntil([&] { return OnScreen({50, 300}) == plate; }));
+}
+
+TEST_F(ProductFormsTest, DeviceNotice_StandsWholeNearTheUpperEdge_AndTakesTheKeyboardFromNobody) {
+    auto& notice = forms.Get<frmNotice>(recordHere);
+    notice.ShowNotice({false, false, u"Built-in Audio Analog Stereo of the lecture hall's desk"});
+    Keep(notice);
+    const QRect window = WindowOf(notice).geometry();
+    EXPECT_EQ(window.top(), 24);
+    EXPECT_NEAR(window.center().x(), Screen::kWidth / 2, 1);
+    EXPECT_GE(window.left(), 0);
+    EXPECT_FALSE(WindowOf(notice).isActiveWindow());
+    notice.ShowNotice({false, true, u"Desk"});
+    Settle();
+    EXPECT_LT(WindowOf(notice).width(), window.width()) << "it fits its new text";
+    EXPECT_NE(WidgetWithText<QLabel>(notice, "\"Desk\" is back and is being recorded."), nullptr);
 }
 
 TEST_F(ProductFormsTest, Mask_CoversExactlyWhatItIsGiven) {

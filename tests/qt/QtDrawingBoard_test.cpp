@@ -196,6 +196,23 @@ TEST_F(QtDrawingBoardTest, Close_GivesScreenAndPointerBack) {
     EXPECT_TRUE(Shows(200, 230, QColor(kSlide | 0xFF000000)));
 }
 
+TEST_F(QtDrawingBoardTest, Sheet_CoversTheMonitorThatHoldsMostOfTheCapture) {
+    const auto setMonitor = [](std::vector<std::string> words) {
+        words.insert(words.begin(), "xrandr");
+        EXPECT_EQ(real::Run(words).code, 0);
+    };
+    setMonitor({"--setmonitor", "Left", "412/110x768/200+0+0", "screen"});
+    setMonitor({"--setmonitor", "Right", "612/160x768/200+412+0", "none"});
+    EXPECT_TRUE(PumpUntil([] { return QGuiApplication::screens().size() == 2; }));
+    board.Open(Sheet::Whiteboard, {400, 100, 800, 400});
+    EXPECT_TRUE(Shows(412, 0, Qt::white));
+    EXPECT_EQ(ColourAt(411, 200), QColor(kSlide | 0xFF000000));
+    board.Close(Sheet::Whiteboard);
+    setMonitor({"--delmonitor", "Right"});
+    setMonitor({"--delmonitor", "Left"});
+    EXPECT_TRUE(PumpUntil([] { return QGuiApplication::screens().size() == 1; }));
+}
+
 TEST_F(QtDrawingBoardTest, OneSheetAtATime) {
     board.Open(Sheet::Canvas, kArea);
     board.Open(Sheet::Whiteboard, kArea);

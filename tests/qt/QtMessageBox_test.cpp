@@ -69,6 +69,25 @@ TEST_F(QtMessageBoxTest, YesOrNo_CannotBeEscaped) {
               BoxAnswer::Yes);
 }
 
+TEST_F(QtMessageBoxTest, Leaving_ChangesLeast_WhateverTheQuestion) {
+    const auto leave = [this](QMessageBox&) { box.Leave(); };
+    EXPECT_EQ(Ask(BoxButtons::Ok, leave), BoxAnswer::Ok);
+    EXPECT_EQ(Ask(BoxButtons::OkCancel, leave), BoxAnswer::Cancel);
+    EXPECT_EQ(Ask(BoxButtons::YesNo, leave), BoxAnswer::No);
+    EXPECT_EQ(Ask(BoxButtons::YesNoCancel, leave), BoxAnswer::Cancel);
+    EXPECT_EQ(Ask(BoxButtons::RetryCancel, leave), BoxAnswer::Cancel);
+}
+
+TEST_F(QtMessageBoxTest, Leaving_AnswersABoxAboveAnotherToo) {
+    BoxAnswer inner = BoxAnswer::Ok;
+    const auto outer = Ask(BoxButtons::OkCancel, [&](QMessageBox&) {
+        const auto later = loop.StartTimer(u"leave", 20, host::TimerReentry::Skipped, [this] { box.Leave(); });
+        inner = box.Show(u"Above?", BoxButtons::YesNo, u"");
+    });
+    EXPECT_EQ(inner, BoxAnswer::No);
+    EXPECT_EQ(outer, BoxAnswer::Cancel);
+}
+
 TEST_F(QtMessageBoxTest, EmptyTitle_IsTheApplications) {
     Ask(BoxButtons::Ok, [](QMessageBox& up) {
         EXPECT_EQ(up.windowTitle(), "Kestrum for PowerPoint");

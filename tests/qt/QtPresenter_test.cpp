@@ -224,6 +224,17 @@ TEST_F(QtPresenterTest, ModalForm_RunsTheSameLoop_AndEndsWhenItIsUnloaded) {
     EXPECT_FALSE(dialog.IsVisible());
 }
 
+TEST_F(QtPresenterTest, LeavingDialogs_ClosesThoseThatWait_AndNoOthers) {
+    auto& notice = forms.Get<DemoNotice>(context);
+    notice.Show();
+    auto& dialog = forms.Get<DemoDialog>(context);
+    const auto timer = loop.StartTimer(u"t", 20, host::TimerReentry::Skipped, [&] { presenter.LeaveDialogs(); });
+    dialog.ShowModal();
+    EXPECT_FALSE(dialog.IsLoaded());
+    EXPECT_TRUE(notice.IsVisible());
+    notice.Unload();
+}
+
 TEST_F(QtPresenterTest, ModalForm_BlocksTheOneBelow) {
     auto& below = ShowDialog();
     auto& notice = forms.Get<DemoNotice>(context);

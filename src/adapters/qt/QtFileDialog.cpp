@@ -26,10 +26,16 @@ std::optional<String> QtFileDialog::OpenFile(const host::FileQuestion& question)
     dialog.setWindowModality(Qt::ApplicationModal);
     bool finished = false;
     QObject::connect(&dialog, &QDialog::finished, &dialog, [&finished] { finished = true; });
+    m_open = &dialog;
     dialog.open();
     m_loop.RunUntil([&finished] { return finished; });
+    m_open = nullptr;
     if (dialog.result() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
     return FromQt(dialog.selectedFiles().first());
+}
+
+void QtFileDialog::Leave() {
+    if (m_open) m_open->reject();
 }
 
 }  // namespace kestrum::qt

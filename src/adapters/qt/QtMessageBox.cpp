@@ -112,8 +112,22 @@ BoxAnswer QtMessageBox::Show(const String& text, BoxButtons buttons, const Strin
     box.show();
     box.raise();
     box.activateWindow();
+    m_open.push_back(&box);
     m_loop.RunUntil([&finished] { return finished; });
+    std::erase(m_open, &box);
     return AnswerOf(box.standardButton(box.clickedButton()));
+}
+
+void QtMessageBox::Leave() {
+    const std::vector<QMessageBox*> open = m_open;
+    for (auto box = open.rbegin(); box != open.rend(); ++box) {
+        for (const auto way : {QMessageBox::Cancel, QMessageBox::No, QMessageBox::Ok}) {
+            QAbstractButton* button = (*box)->button(way);
+            if (!button) continue;
+            button->click();
+            break;
+        }
+    }
 }
 
 }  // namespace kestrum::qt

@@ -39,7 +39,14 @@ void QtPresenter::Show(ui::Form& form) {
 
 void QtPresenter::ShowModal(ui::Form& form) {
     WindowOf(form).Appear(true);
+    m_dialogs.push_back(&form);
     m_loop.RunUntil([&form] { return !form.IsLoaded(); });
+    std::erase(m_dialogs, &form);
+}
+
+void QtPresenter::LeaveDialogs() {
+    const std::vector<ui::Form*> dialogs = m_dialogs;
+    for (auto dialog = dialogs.rbegin(); dialog != dialogs.rend(); ++dialog) (*dialog)->Unload(ui::CloseReason::User);
 }
 
 /// Acts are carried out as tasks of the loop, so no code of the window is on the stack and it can go at once.

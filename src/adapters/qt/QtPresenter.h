@@ -28,6 +28,8 @@ class QtPresenter : public host::IFormPresenter {
 
     /// The form's window for tests and screenshots; null while it has none.
     FormWindow* Find(const ui::Form& form) const;
+    /// Closes every dialog that waits for its user, the newest first, as its frame would; one that refuses stays.
+    void LeaveDialogs();
 
   private:
     FormWindow& WindowOf(ui::Form& form);
@@ -37,6 +39,7 @@ class QtPresenter : public host::IFormPresenter {
     std::map<const ui::Form*, std::unique_ptr<FormWindow>> m_windows;
     std::vector<FormWindow*> m_pinned;  ///< in the order in which they were shown
     std::unique_ptr<host::ITimer> m_pinTimer;
+    std::vector<ui::Form*> m_dialogs;  ///< that wait, the newest last
 };
 
 }  // namespace kestrum::qt

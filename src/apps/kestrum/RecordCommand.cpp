@@ -39,8 +39,6 @@ class Recording {
     /// Ends the show, and with it the recording, as its user would.
     void End() {
         host::ResumeNext{m_session.c.host.trace}([this] { m_office.SlideShowWindow(1)->View()->Exit(); });
-        // A message that nobody reads must not keep the program from ending.
-        if (ui::Form* message = m_session.c.forms.Find(u"frmMsgBox")) message->Unload();
     }
 
   private:
@@ -93,6 +91,7 @@ int RunRecord(Console& console, const RecordRequest& request) {
     const platform::EndSignals endSignals(program.Loop(), [&](int number) {
         signal = number;
         recording.End();
+        program.LeaveQuestions();
     });
     const bool ran = recording.Run();
     session.Disconnect();

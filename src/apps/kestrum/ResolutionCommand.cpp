@@ -17,7 +17,7 @@ int RunResolution(Console& console) {
     int signal = 0;
     const platform::EndSignals endSignals(program.Loop(), [&](int number) {
         signal = number;
-        if (ui::Form* dialog = session.c.forms.Find(u"frmChangeRes")) dialog->Unload();
+        program.LeaveQuestions();
     });
     DisarmMarkerOfDeadRecorder(session.c);
     session.Connect();

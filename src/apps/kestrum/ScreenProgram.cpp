@@ -60,6 +60,17 @@ host::Host ScreenProgram::Ports(host::IApplication& office) {
             InstallFolder()};
 }
 
+void ScreenProgram::LeaveQuestions() {
+    constexpr std::int32_t kLookMs = 200;
+    const auto leave = [this] {
+        m_fileDialog.Leave();
+        m_box.Leave();
+        m_screen.LeaveDialogs();
+    };
+    leave();
+    m_leaving = m_loop.StartTimer(u"leave questions", kLookMs, host::TimerReentry::Entered, leave);
+}
+
 const String& ScreenProgram::LastMessage() const {
     return m_presenter.LastMessage().empty() ? m_answers.LastMessage() : m_presenter.LastMessage();
 }

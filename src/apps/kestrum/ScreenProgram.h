@@ -31,6 +31,9 @@ class ScreenProgram {
     host::IPackageInspector& Inspector() { return m_media.inspector; }
     /// What the drawing board wants to hear of the office: the slides that come on screen.
     host::IApplicationEvents& DrawingBoard() { return m_board; }
+    /// Somebody asked the program to end: from now on nothing waits for its user. Dialogs are cancelled and boxes
+    /// answered with what changes least, those too that come up until the program has ended.
+    void LeaveQuestions();
     /// The last message that a box or a form showed when nobody was there; empty if there was none.
     const String& LastMessage() const;
 
@@ -58,6 +61,7 @@ class ScreenProgram {
     UnattendedPresenter m_presenter;
     qt::QtDrawingBoard m_board{m_loop};
     MediaPorts m_media{m_loop, &m_board};
+    std::unique_ptr<host::ITimer> m_leaving;
 };
 
 }  // namespace kestrum::app

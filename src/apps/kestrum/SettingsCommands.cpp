@@ -11,9 +11,9 @@
 namespace kestrum::app {
 namespace {
 
-/// A dialog of settings: the command's word, its id at the entrance of the commands, its form.
+/// A dialog of settings: the command's word and its id at the entrance of the commands.
 struct Dialog {
-    StringView word, id, form;
+    StringView word, id;
 };
 
 /// The package whose settings are asked for, empty for none. A deck that was never recorded gets its package now.
@@ -37,7 +37,7 @@ int RunDialog(Console& console, const std::string& source, const Dialog& dialog)
     int signal = 0;
     const platform::EndSignals endSignals(program.Loop(), [&](int number) {
         signal = number;
-        if (ui::Form* form = session.c.forms.Find(dialog.form)) form->Unload();
+        program.LeaveQuestions();
     });
     DisarmMarkerOfDeadRecorder(session.c);
     session.Connect();
@@ -53,11 +53,11 @@ int RunDialog(Console& console, const std::string& source, const Dialog& dialog)
 }  // namespace
 
 int RunConfigure(Console& console, const ConfigureRequest& request) {
-    return RunDialog(console, request.source, {u"configure", u"mnuConfigure", u"frmConfig"});
+    return RunDialog(console, request.source, {u"configure", u"mnuConfigure"});
 }
 
 int RunDevices(Console& console, const DevicesRequest& request) {
-    return RunDialog(console, request.source, {u"devices", u"mnuDevice", u"frmDevice"});
+    return RunDialog(console, request.source, {u"devices", u"mnuDevice"});
 }
 
 }  // namespace kestrum::app

@@ -78,6 +78,7 @@ int RunWatch(Console& console, const WatchRequest& request) {
     const platform::EndSignals endSignals(program.Loop(), [&](int number) {
         signal = number;
         watch.End();
+        program.LeaveQuestions();
     });
     console.Notice(
         Sentence(session.c, u"msgWatching", u"Each slide show is recorded until the presentation is closed."));
