@@ -115,14 +115,19 @@
     });
   }
 
+  /// The page shows its words once it has them all.
+  const showPage = () => { document.documentElement.dataset.ready = ''; };
+
   applyTexts();
   if (typeof window.config !== 'object' || window.config === null) {
     byId('lecture').hidden = true;
     byId('head').hidden = true;
     showTrouble(texts.incomplete);
+    showPage();
     return;
   }
   const lecture = player.readLecture(window.config, texts);
   showHead(lecture);
   openLecture(lecture);
+  showPage();
 })(window.player);

@@ -172,6 +172,7 @@ function loudness() {
 
 async function visit(page) {
   await page.goto(pathToFileURL(path.resolve(pageFile)).href);
+  await page.waitForSelector('html[data-ready]', { state: 'attached', timeout: PATIENCE });
   const seen = await readPage(page);
   equal(seen.trouble, '', 'what the page says is wrong');
   if (expected.title !== undefined) equal(seen.title, expected.title, 'title');

@@ -4,7 +4,7 @@
   'use strict';
 
   const { byId, element, clock } = player.tools;
-  // Half the slider's knob: the slider's ends lie that far inside its box. See stage.css.
+  // Half the slider's knob: the slider's ends lie that far inside its box. See player.css.
   const KNOB = 8;
   // Marks nearer to each other than this part of the line would run into one.
   const NEAREST = 0.003;

@@ -17,7 +17,7 @@ export async function theBrowser() {
 }
 
 /**
- * Opens a page and gives Playwright's page. When the test ends, the page must not have failed in a script, complained on
+ * Opens a page and gives Playwright's page once it has its words. When the test ends, the page must not have failed in a script, complained on
  * the console or asked the network for anything; blunders: true lets it.
  */
 export async function visit(t, address, { width = 1280, height = 800, blunders = false, init = null, ...context } = {}) {
@@ -39,6 +39,7 @@ export async function visit(t, address, { width = 1280, height = 800, blunders =
   });
   if (init) await page.addInitScript(init);
   await page.goto(address);
+  if (context.javaScriptEnabled !== false) await page.waitForSelector('html[data-ready]', { state: 'attached' });
   return page;
 }
 

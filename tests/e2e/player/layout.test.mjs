@@ -69,12 +69,25 @@ test('A list of five hundred slides costs no more layouts than a short one', asy
 test('The first picture and a jump, measured', async (t) => {
   const publication = new Publication();
   const first = [];
+  const again = [];
   const jumps = [];
+  // The picture that a visitor sees first is the cover, painted as the movie's poster.
+  const cover = () => {
+    new PerformanceObserver((list) => {
+      for (const entry of list.getEntries()) if (entry.element?.id === 'video') window.shown ??= entry.startTime;
+    }).observe({ type: 'largest-contentful-paint', buffered: true });
+  };
+  const shown = async (page) => {
+    await until(page, () => window.shown !== undefined);
+    return page.evaluate(() => window.shown);
+  };
   for (let visit = 0; visit < 5; ++visit) {
-    const page = await watch(t, publication, { init: () => {
-      document.addEventListener('loadeddata', () => { window.shown ??= performance.now(); }, true);
-    } });
-    first.push(await page.evaluate(() => window.shown));
+    const page = await watch(t, publication, { init: cover });
+    first.push(await shown(page));
+    await page.goto('about:blank');
+    await page.goto(publication.address);
+    again.push(await shown(page));
+    await until(page, () => document.documentElement.dataset.ready !== undefined);
     for (const place of [3, 6, 1, 5]) {
       jumps.push(await page.evaluate((wanted) => new Promise((done) => {
         const video = document.querySelector('#video');
@@ -87,7 +100,8 @@ test('The first picture and a jump, measured', async (t) => {
   }
   const middle = (all) => [...all].sort((one, other) => one - other)[Math.floor(all.length / 2)];
   const told = (all) => `median ${middle(all).toFixed(0)} ms, best ${Math.min(...all).toFixed(0)}, worst ${Math.max(...all).toFixed(0)}`;
-  t.diagnostic(`first picture after opening: ${told(first)}`);
+  t.diagnostic(`first picture in a browser just started: ${told(first)}`);
+  t.diagnostic(`first picture in a browser at work: ${told(again)}`);
   t.diagnostic(`jump to a slide: ${told(jumps)}`);
-  assert.ok([...first, ...jumps].every((ms) => ms > 0));
+  assert.ok([...first, ...again, ...jumps].every((ms) => ms > 0));
 });

@@ -85,6 +85,7 @@ async function leaveAt(page, seconds) {
 async function openIn(profile, publication, suffix = '') {
   const page = await profile.newPage();
   await page.goto(publication.address + suffix);
+  await page.waitForSelector('html[data-ready]', { state: 'attached' });
   await until(page, () => document.querySelector('#video').readyState >= 2);
   return page;
 }
