@@ -103,6 +103,8 @@ TEST_F(ProductFormsTest, DeviceNotice_StandsWholeNearTheUpperEdge_AndTakesTheKey
     Keep(notice);
     const QRect window = WindowOf(notice).geometry();
     EXPECT_EQ(window.top(), 24);
+    const auto* text = WindowOf(notice).findChild<QLabel*>();
+    EXPECT_GE(text->height(), text->heightForWidth(text->width())) << "two lines, and none of them cut";
     EXPECT_NEAR(window.center().x(), Screen::kWidth / 2, 1);
     EXPECT_GE(window.left(), 0);
     EXPECT_FALSE(WindowOf(notice).isActiveWindow());

@@ -40,6 +40,7 @@ QString WithPlainLineEnds(QString text) {
 
 /// Sets the size that `text` needs: its own width, or `textWidth` and as many lines as it takes.
 void FitText(QLabel& label, const QString& text, int textWidth) {
+    label.ensurePolished();  // a notice's font comes from its style sheet, which is not applied before
     const int own = label.fontMetrics().size(0, text).width();
     const bool wraps = own > textWidth;
     label.setWordWrap(wraps);
