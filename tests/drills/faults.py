@@ -301,7 +301,8 @@ def on_small_disk(name):
     room = tempfile.mkdtemp(prefix="kestrum-disk.")
     try:
         script = f'mount -t tmpfs -o size=160m kestrum "{room}" && exec "{sys.executable}" "{__file__}" --within "{room}" {name}'
-        subprocess.run([*rights, "bash", "-c", script], check=True)
+        search = os.pathsep.join(sys.path)
+        subprocess.run([*rights, "bash", "-c", script], check=True, env={**os.environ, "PYTHONPATH": search})
     finally:
         os.rmdir(room)
 

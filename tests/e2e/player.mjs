@@ -61,8 +61,7 @@ async function readPage(page) {
     entries: [...document.querySelectorAll('.entry .name')].map((name) => name.textContent),
     numbers: [...document.querySelectorAll('.entry .number')].map((number) => number.textContent),
     indented: [...document.querySelectorAll('#entries > li')].map((row) => row.classList.contains('indented')),
-    times: (window.config?.index ?? []).map((item) => Number(item.time)),
-    photo: document.querySelector('#photo').naturalWidth
+    times: (window.config?.index ?? []).map((item) => Number(item.time))
   }));
 }
 
@@ -178,7 +177,7 @@ async function visit(page) {
   if (expected.title !== undefined) equal(seen.title, expected.title, 'title');
   if (expected.author !== undefined) equal(seen.author, expected.author, 'author');
   if (expected.entries !== undefined) equal(seen.entries, expected.entries, 'entries');
-  check(seen.photo > 0, 'the photo is not shown');
+  await waitUntil(page, () => document.querySelector('#photo').naturalWidth > 0, null, 'the photo is not shown');
   if (seen.trouble !== '') return seen;
   const ready = await waitUntil(page, () => document.querySelector('video').readyState >= 1, null,
     'the video does not load');

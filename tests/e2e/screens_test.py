@@ -4,7 +4,8 @@ import pathlib
 import time
 import unittest
 
-from stage import KESTRUM, PATIENCE, Desk, Folder, info, last_path, nearest, run, slide_thumbs, thumb, verify
+from stage import (KESTRUM, PATIENCE, Desk, Folder, complaints, info, last_path, nearest, run, slide_thumbs, thumb,
+                   verify)
 
 FULL = "1920x1080,1280x720,1024x768"
 PICTURES = os.environ.get("KESTRUM_PICTURES")  # a folder for pictures of the screen, to be looked at
@@ -152,7 +153,7 @@ class ScreensTest(unittest.TestCase):
         page = last_path(run(KESTRUM, "publish", "mp4", folder.package).stdout, "page")
         slides = slide_thumbs(folder.deck, folder.root)
         for media in (folder.package, page.parent / "media.mp4"):
-            self.assertEqual(run("ffmpeg", "-v", "error", "-i", media, "-f", "null", "-").stderr, "")
+            self.assertEqual(complaints(media), "")
             frame = thumb(media, (both["index"][len(first["index"])]["pos_ms"] + 700) / 1000)
             self.assertEqual(nearest(frame, slides, 0.25), 4, media)
 

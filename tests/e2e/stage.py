@@ -54,6 +54,13 @@ def verify(package, *options):
     return json.loads(result.stdout)
 
 
+def complaints(media):
+    """What a decoder complains about; nothing, if all of the media is sound."""
+    # In the time base of the file: at a guessed picture rate two pictures that lie close together fall on one time.
+    return run("ffmpeg", "-v", "error", "-i", media, "-fps_mode", "passthrough", "-enc_time_base", "-1", "-f", "null",
+               "-").stderr
+
+
 def last_path(output, name):
     """The path behind the last line "name: PATH" of an output."""
     return pathlib.Path(re.findall(rf"^{name}: (.+)$", output, re.M)[-1])
