@@ -1,16 +1,11 @@
 #include "recording/MaskForm.h"
 
+#include "support/IndicatorStyle.h"
+
 namespace kestrum {
 
 MaskForm::MaskForm(const recording::Context& c, String name) : Form(c.forms, std::move(name)) {
-    constexpr std::int32_t kOpacity = 150;
-    SetStyle({.topmost = true,
-              .borderless = true,
-              .layered = true,
-              .opacity = kOpacity,
-              .excludedFromCapture = true,
-              .closable = false,
-              .activates = false});
+    SetStyle(support::IndicatorStyle(support::kSeeThrough));
 }
 
 void MaskForm::Cover(const host::Rect& area) {

@@ -1,5 +1,6 @@
 #include "recording/frmNotice.h"
 
+#include "support/IndicatorStyle.h"
 #include "support/modGlobal.h"
 #include "support/modLanguage.h"
 
@@ -24,13 +25,7 @@ String TextOf(const recording::Context& c, const host::DeviceNotice& notice) {
 }  // namespace
 
 frmNotice::frmNotice(const recording::Context& c) : Form(c.forms, u"frmNotice"), m_c(c) {
-    SetStyle({.topmost = true,
-              .borderless = true,
-              .layered = true,
-              .opacity = 255,
-              .excludedFromCapture = true,
-              .closable = false,
-              .activates = false});
+    SetStyle(support::IndicatorStyle());
     SetPlace({.start = ui::StartPosition::CentreHorizontally, .top = kFromTop});
     SetLayout(ui::Column({Label1}));
     tmrUnload.onTimer = [this] { Unload(); };

@@ -1,19 +1,13 @@
 #include "recording/frmRecDot.h"
 
 #include "recording/RecordingLight.h"
+#include "support/IndicatorStyle.h"
 #include "support/modMonitor.h"
 
 namespace kestrum {
 
 frmRecDot::frmRecDot(const recording::Context& c) : Form(c.forms, u"frmRecDot"), m_c(c) {
-    constexpr std::int32_t kOpacity = 150;  // as the running time
-    SetStyle({.topmost = true,
-              .borderless = true,
-              .layered = true,
-              .opacity = kOpacity,
-              .excludedFromCapture = true,
-              .closable = false,
-              .activates = false});
+    SetStyle(support::IndicatorStyle(support::kSeeThrough));
     Label1.SetTextAlignment(ui::Alignment::Centre);
     recording::MakeRecordingLight(Label1);
     SetLayout(ui::Column({Label1}));

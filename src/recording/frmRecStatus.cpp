@@ -2,6 +2,7 @@
 
 #include "host/ResumeNext.h"
 #include "recording/RecordingLight.h"
+#include "support/IndicatorStyle.h"
 #include "support/modGlobal.h"
 #include "support/modMonitor.h"
 
@@ -10,19 +11,12 @@ namespace kestrum {
 namespace {
 
 const String kAtStart = u"REC 0:00:00";
-constexpr std::int32_t kOpacity = 150;
 constexpr std::int32_t kWidth = 150, kHeight = 30, kMargin = 10;  // pixels
 
 }  // namespace
 
 frmRecStatus::frmRecStatus(const recording::Context& c) : Form(c.forms, u"frmRecStatus"), m_c(c) {
-    SetStyle({.topmost = true,
-              .borderless = true,
-              .layered = true,
-              .opacity = kOpacity,
-              .excludedFromCapture = true,
-              .closable = false,
-              .activates = false});
+    SetStyle(support::IndicatorStyle(support::kSeeThrough));
     recording::MakeRecordingLight(Label1);
     Label2.SetCaption(kAtStart);
     SetLayout(ui::Row({Label1, Label2}));

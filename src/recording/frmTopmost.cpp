@@ -1,15 +1,11 @@
 #include "recording/frmTopmost.h"
 
+#include "support/IndicatorStyle.h"
+
 namespace kestrum {
 
 frmTopmost::frmTopmost(const recording::Context& c) : Form(c.forms, u"frmTopmost"), m_c(c) {
-    SetStyle({.topmost = true,
-              .borderless = true,
-              .layered = true,
-              .opacity = 255,
-              .excludedFromCapture = true,
-              .closable = false,
-              .activates = false});
+    SetStyle(support::IndicatorStyle());
     SetPlace({.start = ui::StartPosition::CentreScreen});
     SetLayout(ui::Column({Label1}));
     tmrUnload.onTimer = [this] { tmrUnload_Timer(); };

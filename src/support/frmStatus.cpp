@@ -1,5 +1,6 @@
 #include "support/frmStatus.h"
 
+#include "support/IndicatorStyle.h"
 #include "support/modMonitor.h"
 
 namespace kestrum {
@@ -14,13 +15,7 @@ frmStatus::frmStatus(const support::Context& c) : Form(c.forms, u"frmStatus"), m
 }
 
 void frmStatus::OnLoad() {
-    ui::WindowStyle style;
-    style.topmost = true;
-    style.borderless = true;
-    style.layered = true;
-    style.excludedFromCapture = true;
-    style.activates = false;
-    SetStyle(style);
+    SetStyle(support::IndicatorStyle());
     const std::int32_t middle = modMonitor::GetMonitorHeight(m_c, 0, modMonitor::kPixels) / 2;
     SetPlace({ui::StartPosition::CentreHorizontally, 0, middle - kAboveMiddle, 0, 0});
 }

@@ -1,36 +1,17 @@
 // The preferences: what they read as, what is stored, and in which order.
 #include "devices/frmConfig.h"
 
-#include "DevicesWorld.h"
-#include "project/ProjectWorld.h"
+#include "DialogWorld.h"
 #include "support/modConfig.h"
 
 namespace kestrum {
 namespace {
 
-const String kPackage = u"/home/anna/waves.ktr";
-const String kWork = u"/tmp/user/scratch";
 const String kPicture = u"/home/anna/pictures/me.at.work.jpeg";
 
-class frmConfigTest : public DevicesTest {
+class frmConfigTest : public DialogTest {
   protected:
     frmConfig& Dialog() { return forms.Get<frmConfig>(c); }
-    String Saved(const String& key) const { return world.settings.Get(u"configure", key); }
-    void Set(const String& key, const String& value) { world.settings.Set(u"configure", key, value); }
-    /// A lecture is open; with a recording or still without.
-    void OpenLecture(bool recorded) {
-        support.packagePath = kPackage;
-        support.workFolder = kWork;
-        support.projectFileName = u"project.ksp";
-        world.fs.PutFolder(kWork);
-        world.fs.Put(kWork + u"/project.ksp", test::InstallFile("default.ksp"));
-        ASSERT_TRUE(project.g_Project.Load(kWork + u"/project.ksp"));
-        if (!recorded) return;
-        sim::Package package;
-        package.lengthMs = 60000;
-        package.audioBitrate = 64;
-        world.ksLib.Put(kPackage, package);
-    }
     /// Shows the dialog to a user who leaves it with Save.
     void SaveAtOnce() {
         world.presenter.Click(u"frmConfig", u"cmdSave");

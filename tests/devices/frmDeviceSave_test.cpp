@@ -1,43 +1,11 @@
 // What the device dialog keeps: preferences always, the lecture's own values where there is a lecture.
-#include "DevicesWorld.h"
+#include "DeviceDialogWorld.h"
 #include "devices/PictureSize.h"
-#include "devices/frmDevice.h"
-#include "project/ProjectWorld.h"
 
 namespace kestrum {
 namespace {
 
-const String kPackage = u"/home/anna/waves.ktr";
-const String kWork = u"/tmp/user/scratch";
-
-class frmDeviceSaveTest : public DevicesTest {
-  protected:
-    frmDeviceSaveTest() {
-        world.ksLib.videoDevices = u"Cam A##0_&&_Cam B##0";
-        world.ksLib.audioDevices = u"Mic A##0_&&_Mic B##0";
-    }
-    frmDevice& Dialog() { return forms.Get<frmDevice>(c); }
-    frmDevice& Opened() {
-        Dialog().Show();
-        world.loop.Advance(100);
-        return Dialog();
-    }
-    void Set(const String& key, const String& value) { world.settings.Set(u"configure", key, value); }
-    String Saved(const String& key) const { return world.settings.Get(u"configure", key); }
-    void OpenLecture(bool recorded) {
-        support.packagePath = kPackage;
-        support.workFolder = kWork;
-        support.projectFileName = u"project.ksp";
-        world.fs.PutFolder(kWork);
-        world.fs.Put(kWork + u"/project.ksp", test::InstallFile("default.ksp"));
-        ASSERT_TRUE(project.g_Project.Load(kWork + u"/project.ksp"));
-        if (!recorded) return;
-        sim::Package package;
-        package.lengthMs = 60000;
-        package.audioBitrate = 64;
-        world.ksLib.Put(kPackage, package);
-    }
-};
+class frmDeviceSaveTest : public DeviceDialogTest {};
 
 TEST_F(frmDeviceSaveTest, Save_StoresTheChoice_AndCloses) {
     Opened();

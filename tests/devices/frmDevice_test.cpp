@@ -1,14 +1,12 @@
 // The device dialog: how it finds, opens and fills in the devices, and what each failure leaves usable.
-#include "devices/frmDevice.h"
-
-#include "DevicesWorld.h"
+#include "DeviceDialogWorld.h"
 
 namespace kestrum {
 namespace {
 
 using Lines = std::vector<String>;
 
-class frmDeviceTest : public DevicesTest {
+class frmDeviceTest : public DeviceDialogTest {
   protected:
     frmDeviceTest() {
         Language(
@@ -16,18 +14,7 @@ class frmDeviceTest : public DevicesTest {
             "<e name=\"msgDvExists\">A DV camera</e><e name=\"msgNoAudio\">No microphone</e>"
             "<e name=\"msgDeviceLocked\">Locked</e><e name=\"msgDeviceLockedForPPT\">Locked beside the show</e>"
             "<e name=\"msgGetVolumeError\">No volume</e></s>");
-        world.ksLib.videoDevices = u"Cam A##0_&&_Cam B##0";
-        world.ksLib.audioDevices = u"Mic A##0_&&_Mic B##0";
     }
-    frmDevice& Dialog() { return forms.Get<frmDevice>(c); }
-    /// Shows the dialog and lets it look at the devices.
-    frmDevice& Opened() {
-        Dialog().Show();
-        world.loop.Advance(100);
-        return Dialog();
-    }
-    void Set(const String& key, const String& value) { world.settings.Set(u"configure", key, value); }
-    String Saved(const String& key) const { return world.settings.Get(u"configure", key); }
     Lines Opens() const { return world.transcript.Only(u"ksLib.CheckAVDevice"); }
     String VideoMessage() { return Dialog().lVideoMsg.Visible() ? Dialog().lVideoMsg.Caption() : String(); }
     void ExpectMicrophoneWorks(bool works) {

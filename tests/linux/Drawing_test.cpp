@@ -1,35 +1,16 @@
 // What drawing over a show takes of the display: the pointer in a rectangle, and one key.
 #include <gtest/gtest.h>
 
-#include "adapters/linux/EventLoop.h"
 #include "adapters/linux/KeyGrab.h"
 #include "adapters/linux/PointerPad.h"
-#include "linux/RecordingTrace.h"
-#include "real/XvfbServer.h"
+#include "linux/Desk.h"
 
 namespace kestrum::platform {
 namespace {
 
 constexpr std::uint32_t kEscape = 0xFF1B, kNoKey = 0x1000000;
 
-class DrawingTest : public testing::Test {
-  protected:
-    void Act(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), "xdotool");
-        ASSERT_EQ(real::Run(arguments).code, 0);
-    }
-    bool PumpUntil(const std::function<bool()>& done) {
-        return real::WaitFor([&] {
-            loop.DoEvents();
-            return done();
-        });
-    }
-
-    real::XvfbServer server;
-    real::ScopedEnv variable = server.Use();
-    RecordingTrace trace;
-    EventLoop loop{trace};
-};
+class DrawingTest : public DeskTest {};
 
 TEST_F(DrawingTest, Pad_TellsStrokesOfTheLeftButton_InItsOwnPixels) {
     std::vector<std::pair<PointerPad::Act, host::Point>> told;

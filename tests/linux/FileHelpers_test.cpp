@@ -11,6 +11,7 @@
 #include "adapters/linux/LinuxFileSystem.h"
 #include "adapters/sim/World.h"
 #include "real/ChildProcess.h"
+#include "real/WithoutRights.h"
 #include "support/modGlobal.h"
 #include "support/modLog.h"
 
@@ -28,18 +29,10 @@ class FileHelpersTest : public testing::Test {
     std::size_t Entries(const std::string& name) const {
         return static_cast<std::size_t>(std::distance(stdfs::directory_iterator(folder / name), {}));
     }
-    /// Runs `body` in a child that has no rights of root; 0 unless it said false.
+    /// Runs `body` as a user who may enter the folder but has no rights of root; 0 unless it said false.
     int WithoutRights(const std::function<bool()>& body) {
         chmod(folder.Path().c_str(), 0777);
-        const pid_t child = fork();
-        if (child == 0) {
-            constexpr uid_t kNobody = 65534;
-            if (geteuid() == 0 && (setgid(kNobody) != 0 || setuid(kNobody) != 0)) _exit(2);
-            _exit(body() ? 0 : 1);
-        }
-        int status = -1;
-        waitpid(child, &status, 0);
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        return real::WithoutRights(body);
     }
     /// Runs `body` in a child whose files cannot grow beyond `bytes`, as on a full disk.
     int OnAFullDisk(rlim_t bytes, const std::function<bool()>& body) {

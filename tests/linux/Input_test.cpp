@@ -2,28 +2,16 @@
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>
 
-#include "adapters/linux/EventLoop.h"
 #include "adapters/linux/LinuxKsHook.h"
 #include "adapters/linux/VirtualKey.h"
 #include "adapters/linux/X11Hooks.h"
-#include "linux/RecordingTrace.h"
-#include "real/XvfbServer.h"
+#include "linux/Desk.h"
 
 namespace kestrum::platform {
 namespace {
 
-class InputTest : public testing::Test {
+class InputTest : public DeskTest {
   protected:
-    void Act(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), "xdotool");
-        ASSERT_EQ(real::Run(arguments).code, 0);
-    }
-    bool PumpUntil(const std::function<bool()>& done) {
-        return real::WaitFor([&] {
-            loop.DoEvents();
-            return done();
-        });
-    }
     std::unique_ptr<host::IMessageWindow> MakeTarget() {
         return windows.CreateMessageWindow(u"frmViewer", [this](const host::WindowMessage& message) {
             received.push_back(message);
@@ -34,11 +22,7 @@ class InputTest : public testing::Test {
         return std::any_of(received.begin(), received.end(), [&](const auto& one) { return one.message == message; });
     }
 
-    real::XvfbServer server;
-    real::ScopedEnv variable = server.Use();
     real::TempFolder folder;
-    RecordingTrace trace;
-    EventLoop loop{trace};
     X11Connection display;
     RawInput input{loop};
     X11Windows windows{loop, display};

@@ -3,12 +3,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "adapters/linux/EventLoop.h"
 #include "adapters/linux/X11Windows.h"
 #include "adapters/sim/World.h"
 #include "addin/Session.h"
-#include "linux/RecordingTrace.h"
-#include "real/XvfbServer.h"
+#include "linux/Desk.h"
 #include "recording/modViewer.h"
 
 namespace kestrum::platform {
@@ -60,13 +58,9 @@ class OtherRecorder {
     pid_t m_process = -1;
 };
 
-class OtherRecorderTest : public testing::Test {
+class OtherRecorderTest : public DeskTest {
   protected:
-    real::XvfbServer server;
-    real::ScopedEnv variable = server.Use();
     real::TempFolder folder;
-    RecordingTrace trace;
-    EventLoop loop{trace};
     X11Connection display;
     X11Windows windows{loop, display};
     sim::World world;

@@ -11,6 +11,7 @@
 
 #include "linux/RecordingTrace.h"
 #include "real/ChildProcess.h"
+#include "real/WithoutRights.h"
 
 namespace kestrum::platform {
 namespace {
@@ -163,26 +164,13 @@ TEST_F(SqliteSettingsTest, Write_WhereNothingCanBeStored_Fails_ButHoldsForTheSes
     EXPECT_EQ(SqliteSettings(folder / "blocked/settings.sqlite", trace).Read(kApplication, u"s", u"k"), std::nullopt);
 }
 
-/// Runs `body` in a child process without the rights of root; its exit code, 0 unless a check failed.
-int RunWithoutRights(const std::function<bool()>& body) {
-    const pid_t child = fork();
-    if (child == 0) {
-        constexpr uid_t kNobody = 65534;
-        if (geteuid() == 0 && (setgid(kNobody) != 0 || setuid(kNobody) != 0)) _exit(2);
-        _exit(body() ? 0 : 1);
-    }
-    int status = -1;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 TEST_F(SqliteSettingsTest, ReadOnlyFolder_ReadsWhatIsStored_AndKeepsNewValuesForTheSession) {
     Write(u"audioBitrate", u"64");
     const std::string home = stdfs::path(file).parent_path();
     chmod(folder.Path().c_str(), 0755);
     chmod(file.c_str(), 0444);
     chmod(home.c_str(), 0555);
-    const int code = RunWithoutRights([&] {
+    const int code = real::WithoutRights([&] {
         bool refused = false;
         try {
             Write(u"audioBitrate", u"96");
@@ -204,7 +192,7 @@ TEST_F(SqliteSettingsTest, FolderThatCannotBeEntered_GivesDefaults) {
     const std::string home = stdfs::path(file).parent_path();
     chmod(folder.Path().c_str(), 0755);
     chmod(home.c_str(), 0);
-    EXPECT_EQ(RunWithoutRights([&] { return !Read(u"audioBitrate"); }), 0);
+    EXPECT_EQ(real::WithoutRights([&] { return !Read(u"audioBitrate"); }), 0);
     chmod(home.c_str(), 0755);
     EXPECT_EQ(Read(u"audioBitrate"), u"64");
 }

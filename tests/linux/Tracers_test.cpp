@@ -2,29 +2,17 @@
 // pointer has its title.
 #include <gtest/gtest.h>
 
-#include "adapters/linux/EventLoop.h"
 #include "adapters/linux/X11Hooks.h"
 #include "adapters/linux/X11Windows.h"
 #include "adapters/sim/World.h"
 #include "addin/Session.h"
-#include "linux/RecordingTrace.h"
-#include "real/XvfbServer.h"
+#include "linux/Desk.h"
 
 namespace kestrum::platform {
 namespace {
 
-class TracersTest : public testing::Test {
+class TracersTest : public DeskTest {
   protected:
-    void Act(std::vector<std::string> arguments) {
-        arguments.insert(arguments.begin(), "xdotool");
-        ASSERT_EQ(real::Run(arguments).code, 0);
-    }
-    bool PumpUntil(const std::function<bool()>& done) {
-        return real::WaitFor([&] {
-            loop.DoEvents();
-            return done();
-        });
-    }
     xcb_window_t ShowWindow(const std::string& title) {
         xcb_connection_t* connection = display.Get();
         const xcb_window_t shown = xcb_generate_id(connection);
@@ -40,10 +28,6 @@ class TracersTest : public testing::Test {
         return [this, number] { events.push_back(number); };
     }
 
-    real::XvfbServer server;
-    real::ScopedEnv variable = server.Use();
-    RecordingTrace trace;
-    EventLoop loop{trace};
     X11Connection display;
     RawInput input{loop};
     X11Hooks hooks{input, display};

@@ -83,13 +83,7 @@ class CameraDesk : public MediaKsLibTest {
     void RecordWithCamera(const String& camera) {
         ASSERT_NE(m_lib.ksResetAVDevice(), 0);
         ASSERT_NE(m_lib.ksSetVideoDevice(camera), 0);
-        ASSERT_NE(m_lib.ksSetAudioDevice(u"Microphone"), 0);
-        m_lib.EncoderSetFilename(Package(), FromUtf8(Path("project.ksp")), FromUtf8(Path("inteIndex.txt")));
-        m_lib.SetCaptureArea(0, 0, kWidth - 1, kHeight - 1);
-        m_lib.SetCaptureFrameRate(10);
-        m_lib.EnableRecSystemAudio(0);
-        m_lib.EncoderInitDevice();
-        ASSERT_NE(m_lib.EncoderQueryDevice(), 0);
+        OpenForRecording();
         ASSERT_NE(m_lib.EncoderStart(0), 0);
     }
     /// "width,height" of the package's camera, empty without one.

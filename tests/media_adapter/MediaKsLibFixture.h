@@ -43,6 +43,10 @@ class MediaKsLibTest : public ::testing::Test {
         String devices;
         ASSERT_NE(m_lib.ksResetAVDevice(), 0);
         ASSERT_EQ(m_lib.ksQueryAudioDevice(devices), 1);
+        OpenForRecording();
+    }
+    /// The devices are reset and, for a camera, chosen.
+    void OpenForRecording() {
         ASSERT_NE(m_lib.ksSetAudioDevice(u"Microphone"), 0);
         m_lib.EncoderSetFilename(Package(), FromUtf8(Path("project.ksp")), FromUtf8(Path("inteIndex.txt")));
         m_lib.SetCaptureArea(0, 0, kWidth - 1, kHeight - 1);

@@ -60,4 +60,8 @@ int RunDevices(Console& console, const DevicesRequest& request) {
     return RunDialog(console, request.source, {u"devices", u"mnuDevice"});
 }
 
+int RunResolution(Console& console) {
+    return RunDialog(console, {}, {u"resolution", u"mnuChangeRes"});
+}
+
 }  // namespace kestrum::app

@@ -1,4 +1,5 @@
-// `kestrum configure` and `kestrum devices`: the dialogs of settings on the desktop, with or without a lecture.
+// `kestrum configure`, `kestrum devices` and `kestrum resolution`: the dialogs of settings on the desktop, with or
+// without a lecture.
 #pragma once
 
 #include "apps/commandline/CommandLine.h"
@@ -10,5 +11,7 @@ namespace kestrum::app {
 /// user.
 int RunConfigure(Console& console, const ConfigureRequest& request);
 int RunDevices(Console& console, const DevicesRequest& request);
+/// For the default monitor; what was picked stays in force.
+int RunResolution(Console& console);
 
 }  // namespace kestrum::app

@@ -9,7 +9,6 @@
 #include "apps/kestrum/BatchProgram.h"
 #include "apps/kestrum/PublishCommand.h"
 #include "apps/kestrum/RecordCommand.h"
-#include "apps/kestrum/ResolutionCommand.h"
 #include "apps/kestrum/SettingsCommands.h"
 #include "apps/kestrum/VerifyPackage.h"
 #include "apps/kestrum/WatchCommand.h"
