@@ -1,4 +1,5 @@
-// A view of a web page inside a dialog, which can be told to run scripts of the page.
+// A view of a web page inside a dialog, which can be told to run scripts of the page. There is no adapter for it yet,
+// and no command opens the dialog that needs one (frmConfigSound): it runs in tests only.
 #pragma once
 
 #include <functional>

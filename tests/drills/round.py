@@ -72,6 +72,7 @@ class Round:
 
     def see_nobody_left(self):
         deadline = time.monotonic() + 60
+        left = "somebody, who cannot be named"
         while time.monotonic() < deadline:
             try:
                 left = self.lodgers()
