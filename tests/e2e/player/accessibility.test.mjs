@@ -80,9 +80,10 @@ test('Every control has a role, a name and a state', async (t) => {
     assert.ok(await found.count() >= 1, `${role} "${name}"`);
   }
   await page.locator('.entry').nth(2).click();
+  await page.locator('.entry').nth(2).and(page.locator('[aria-current="true"]')).waitFor();
   assert.equal(await page.locator('[aria-current="true"]').count(), 1);
   await page.getByRole('button', { name: 'Mute' }).click();
-  assert.equal(await page.getByRole('button', { name: 'Mute', pressed: true }).count(), 1);
+  await page.getByRole('button', { name: 'Mute', pressed: true }).waitFor();
 });
 
 test('A target is at least 24 pixels high and wide, on any screen', async (t) => {

@@ -37,7 +37,7 @@ test('A WebVTT file is shown, below the picture, at its times', async (t) => {
 test('A SubRip file is shown, and a cue that ends before it begins is left out', async (t) => {
   const page = await watch(t, new Publication({ captions: [{ lang: 'de', label: '', text: SRT }] }));
   await page.click('#captions-toggle');
-  assert.equal(await page.locator('#captions-toggle').getAttribute('aria-pressed'), 'true');
+  await page.locator('#captions-toggle[aria-pressed="true"]').waitFor();
   await at(page, 2);
   await until(page, () => document.querySelector('.cue'));
   assert.deepEqual(await cues(page), ['Ein Schlüsselbild']);

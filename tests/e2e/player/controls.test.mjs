@@ -5,16 +5,19 @@ import { play, until, watch } from './browser.mjs';
 import { Publication } from './fixture.mjs';
 
 const ofVideo = (page, name) => page.evaluate((wanted) => document.querySelector('#video')[wanted], name);
-const pressed = (page, id) => page.locator(id).getAttribute('aria-pressed');
+/** Waits until a button says that it is pressed ('true') or not ('false'): it follows the movie's own events. */
+const saysPressed = (page, id, state) => page.locator(`${id}[aria-pressed="${state}"]`).waitFor();
+/** Waits until the button that plays and pauses has this name. */
+const playsAs = (page, name) => page.locator(`#play[aria-label="${name}"]`).waitFor();
 
 test('The button and the picture play and pause', async (t) => {
   const page = await watch(t, new Publication());
   await play(page);
-  assert.equal(await page.locator('#play').getAttribute('aria-label'), 'Pause');
-  assert.ok(!await page.locator('#start').isVisible());
+  await playsAs(page, 'Pause');
+  await page.locator('#start').waitFor({ state: 'hidden' });
   await page.click('#video');
   await until(page, () => document.querySelector('#video').paused);
-  assert.equal(await page.locator('#play').getAttribute('aria-label'), 'Play');
+  await playsAs(page, 'Play');
 });
 
 test('Speed goes from a half to three, with the pitch kept', async (t) => {
@@ -35,8 +38,8 @@ test('Sound can be set and silenced', async (t) => {
   assert.ok(Math.abs(await ofVideo(page, 'volume') - 0.5) < 0.1);
   await page.click('#mute');
   assert.ok(await ofVideo(page, 'muted'));
-  assert.equal(await pressed(page, '#mute'), 'true');
-  assert.equal(await page.locator('#volume').inputValue(), '0');
+  await saysPressed(page, '#mute', 'true');
+  await until(page, () => document.querySelector('#volume').value === '0');
   await page.click('#mute');
   assert.equal(await ofVideo(page, 'muted'), false);
 });
@@ -48,14 +51,14 @@ test('Full screen takes picture, captions and buttons along, and the buttons lea
   } });
   await page.click('#full');
   await until(page, () => document.fullscreenElement?.id === 'stage');
-  assert.equal(await pressed(page, '#full'), 'true');
+  await saysPressed(page, '#full', 'true');
   await play(page);
   await until(page, () => getComputedStyle(document.querySelector('.panel')).opacity === '0');
   await page.keyboard.press('Tab');
   await until(page, () => getComputedStyle(document.querySelector('.panel')).opacity === '1');
   await page.keyboard.press('f');
   await until(page, () => document.fullscreenElement === null);
-  assert.equal(await pressed(page, '#full'), 'false');
+  await saysPressed(page, '#full', 'false');
 });
 
 test('Picture in picture is offered where the browser has it', async (t) => {
