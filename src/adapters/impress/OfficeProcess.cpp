@@ -11,6 +11,7 @@
 #include <thread>
 #include <vector>
 
+#include "adapters/impress/SandboxedOffice.h"
 #include "host/Error.h"
 
 namespace kestrum::impress {
@@ -93,8 +94,9 @@ pid_t Spawn(Strings arguments, Strings environment) {
 
 void CheckInstalled(const fs::path& folder) {
     if (fs::exists(folder / kProgram) && fs::exists(folder / kImpressPart)) return;
+    const char* home = std::getenv("HOME");
     throw host::Error(host::ErrorNumber::FileNotFound, u"OfficeProcess",
-                      u"LibreOffice Impress is not installed. Install the package libreoffice-impress and try again.");
+                      MissingOfficeSentence(SandboxWithOffice("/", home ? home : "/nonexistent")));
 }
 
 }  // namespace
