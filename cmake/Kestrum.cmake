@@ -43,13 +43,14 @@ function(kestrum_library name)
   target_link_libraries(${name} PUBLIC ${ARGN})
 endfunction()
 
-# kestrum_program(NAME libs...): the executable NAME from the .cpp files of the folder NAME.
+# kestrum_program(NAME libs...): the executable NAME from the .cpp files of the folder NAME; it is installed.
 function(kestrum_program name)
   file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp" "${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.h")
   add_executable(${name} ${sources})
   target_compile_options(${name} PRIVATE ${KESTRUM_WARNINGS})
   target_link_libraries(${name} PRIVATE ${ARGN})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${KESTRUM_INSTALL_FOLDER}")
+  install(TARGETS ${name} DESTINATION lib/kestrum)
 endfunction()
 
 # kestrum_tests(NAME LABEL libs...): one test program from every *_test.cpp of the current folder.
