@@ -13,7 +13,7 @@ namespace {
 constexpr std::int64_t kKeyDistanceNs = 2 * kNsPerSecond;
 
 VideoEncoderSettings EncoderFor(const CameraSettings& camera, bool headersInKeyFrames) {
-    return {camera.width, camera.height, CameraThread::kPicturesPerSecond, headersInKeyFrames};
+    return {camera.width, camera.height, CameraThread::kPicturesPerSecond, headersInKeyFrames, false};
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
-// H.264 for a screen: every picture comes out of the call that puts it in, an unchanged one costs little, a key frame
-// is made exactly when asked for. A small class of its own, so that pictures with small changes can get a writer of
-// their own without anybody noticing.
+// H.264 for a screen: every picture comes out of the call that puts it in, and a key frame is made exactly when asked
+// for. Decides who writes a picture: x264 the key frames and those of which much changed, our own writer (h264/) the
+// others, which cost it next to nothing. x264 cannot refer to a picture that it did not write, so after small pictures
+// a big change is a key frame, whether or not one was asked for.
 #pragma once
 
 #include <cstdint>
@@ -18,6 +19,8 @@ struct VideoEncoderSettings {
     int framesPerSecond = 10;  ///< highest rate that will come; bounds the bit rate
     /// Carry the parameter sets in every key frame: for a package whose header has other ones.
     bool headersInKeyFrames = false;
+    /// Pictures of which little changed are written by our own writer. A camera's change everywhere.
+    bool smallPictures = true;
 };
 
 struct EncodedPicture {
@@ -35,7 +38,8 @@ class VideoEncoder {
 
     /// Parameter sets as the package's header wants them (ISO/IEC 14496-15).
     const Bytes& AvcC() const;
-    /// Encodes a picture whose macroblocks are those of the last call but for the marked ones. Throws CaptureError.
+    /// Encodes a picture whose macroblocks are those of the last call but for the marked ones. If `key` a key frame; it
+    /// can become one without that. Throws CaptureError.
     EncodedPicture Encode(const I420Picture& picture, const ChangeMap& changes, bool key);
 
   private:
