@@ -50,6 +50,9 @@ function(kestrum_program name)
   target_compile_options(${name} PRIVATE ${KESTRUM_WARNINGS})
   target_link_libraries(${name} PRIVATE ${ARGN})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${KESTRUM_INSTALL_FOLDER}")
+  if(NOT WIN32)
+    target_link_options(${name} PRIVATE -Wl,-z,relro,-z,now) # no table of functions stays writable
+  endif()
   install(TARGETS ${name} DESTINATION lib/kestrum)
 endfunction()
 

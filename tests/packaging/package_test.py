@@ -66,18 +66,41 @@ class ContentsTest(unittest.TestCase):
         entry = self.usr / "share/applications/kestrum.desktop"
         self.assertEqual(run("desktop-file-validate", entry).stdout, "")
         for line in re.findall(r"^Exec=(.+)$", entry.read_text(), re.M):
-            if line.startswith("kestrum"):
-                self.assertTrue((self.usr / "bin/kestrum").is_symlink())
-                self.assertIn(line.split()[1], ("configure", "devices", "resolution"))
-            else:
-                page = pathlib.Path(line.split()[1])
-                self.assertTrue((self.usr / page.relative_to("/usr")).is_file(), page)
+            words = line.split()
+            for path in (pathlib.Path(word) for word in words if word.startswith("/usr")):
+                self.assertTrue((self.usr / path.relative_to("/usr")).is_file(), path)
+            if "kestrum" in words:
+                self.assertIn(words[words.index("kestrum") + 1], ("configure", "devices", "resolution"))
         for size in (16, 24, 32, 48, 64, 128, 256):
             for name in ("apps/kestrum.png", "mimetypes/application-x-kestrum.png"):
                 picture = self.usr / f"share/icons/hicolor/{size}x{size}" / name
                 self.assertIn(f"{size} x {size}", run("file", picture).stdout)
         for name in ("apps/kestrum.svg", "mimetypes/application-x-kestrum.svg"):
             run("xmllint", "--noout", self.usr / "share/icons/hicolor/scalable" / name)
+
+    def test_a_click_in_the_menu_that_fails_is_told_in_a_window(self):
+        """A stand-in for zenity says what it is asked to show."""
+        tools = self.room / "tools"
+        tools.mkdir()
+        (tools / "zenity").write_text("#!/bin/sh\nprintf '%s\\n' \"$@\" >>\"$0.shown\"\n")
+        (tools / "zenity").chmod(0o755)
+        environment = {"PATH": f"{tools}:/usr/bin:/bin", "DISPLAY": ":987", "HOME": str(self.room)}
+        runner = self.usr / "lib/kestrum/on-desktop"
+        failed = run(runner, BUILD / "install" / "kestrum", "configure", check=False, env=environment)
+        self.assertEqual(failed.returncode, 1)
+        self.assertIn("--text=The display cannot be opened; start the recorder from a graphical X11 session.",
+                      (tools / "zenity.shown").read_text().splitlines())
+        (tools / "zenity.shown").unlink()
+        run(runner, BUILD / "install" / "kestrum", "help", env=environment)
+        self.assertFalse((tools / "zenity.shown").exists(), "nothing to tell")
+
+    def test_a_recording_of_less_than_a_second_has_a_picture_too(self):
+        for seconds, name in ((3, "long.ktr"), (0.4, "a short 100% one.ktr")):
+            movie, picture = self.room / name, self.room / f"{name}.png"
+            run("ffmpeg", "-v", "error", "-f", "lavfi", "-i", f"testsrc=size=640x360:rate=10:duration={seconds}", "-f",
+                "matroska", movie)
+            run(self.usr / "lib/kestrum/thumbnail", movie, picture, "256")
+            self.assertIn("256 x 144", run("file", picture).stdout)
 
     def test_the_manual_page_is_set_without_a_warning(self):
         page = self.usr / "share/man/man1/kestrum.1.gz"
@@ -153,6 +176,19 @@ class CompletionTest(unittest.TestCase):
             self.assertEqual(self.completed("record", "", folder=folder), ["my deck.ODP", "talk.pptx"])
             self.assertEqual(self.completed("info", "", folder=folder), ["talk.ktr"])
             self.assertEqual(self.completed("publish", "mp4", "t", folder=folder), ["talk.ktr", "talk.pptx"])
+
+
+    def test_fish_offers_the_same(self):
+        script = ROOT / "packaging/completion/kestrum.fish"
+        def offered(line):
+            told = run("fish", "--no-config", "-c", f"source {script}; complete -C '{line}'").stdout
+            return [entry.split("\t")[0] for entry in told.splitlines()]
+        self.assertEqual(offered("kestrum re"), ["record", "resolution"])
+        self.assertEqual(offered("kestrum verify --"), ["--json", "--repair"])
+        self.assertEqual(offered("kestrum publish mp4 --webcam top"), ["top-left", "top-right"])
+
+    def test_zsh_understands_its_script(self):
+        run("zsh", "-n", ROOT / "packaging/completion/kestrum.zsh")
 
 
 class LifeTest(unittest.TestCase):
