@@ -70,6 +70,7 @@ struct ImpressOffice::Parts {
     std::unique_ptr<OfficeProfile> profile;
     std::unique_ptr<OfficeProcess> process;
     std::shared_ptr<OfficeModel> model;
+    std::unique_ptr<OfficeMenu> menu;
     std::unique_ptr<ImpressApplication> application;
     std::set<fs::path> opened;
 };
@@ -89,6 +90,7 @@ std::unique_ptr<ImpressOffice> ImpressOffice::Start(const OfficeOptions& options
     auto link = ConnectTo(*parts->process, process.pipe);
     parts->profile->BelongsTo(parts->process->Id());
     parts->model = OfficeModel::Create(std::move(link), loop, monitors, options.display);
+    parts->menu = OfficeMenu::TakeOver(parts->model, loop);
     return std::unique_ptr<ImpressOffice>(new ImpressOffice(std::move(parts)));
 }
 
@@ -98,6 +100,7 @@ std::unique_ptr<ImpressOffice> ImpressOffice::Join(const String& pipe, host::IEv
     if (!link) throw OfficeError(u"Join", u"No office listens under the name \"" + pipe + u"\".");
     auto parts = std::make_unique<Parts>();
     parts->model = OfficeModel::Create(std::move(link), loop, monitors, {});
+    parts->menu = OfficeMenu::TakeOver(parts->model, loop);
     return std::unique_ptr<ImpressOffice>(new ImpressOffice(std::move(parts)));
 }
 
@@ -119,6 +122,10 @@ ImpressOffice::~ImpressOffice() {
 
 host::IApplication& ImpressOffice::Application() {
     return *m_parts->application;
+}
+
+OfficeMenu* ImpressOffice::Menu() {
+    return m_parts->menu.get();
 }
 
 std::int64_t ImpressOffice::ProcessId() const {

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 
+#include "adapters/impress/OfficeMenu.h"
 #include "host/IApplication.h"
 #include "host/IEventLoop.h"
 #include "host/IMonitors.h"
@@ -33,7 +34,8 @@ class ImpressOffice {
     /// Starts an office and waits until it answers, a minute and a half at most. Raises host::Error with a sentence.
     static std::unique_ptr<ImpressOffice> Start(const OfficeOptions& options, host::IEventLoop& loop,
                                                 host::IMonitors& monitors);
-    /// Joins the office that listens on the named pipe `pipe`.
+    /// Joins the office that listens on the named pipe `pipe`. Raises host::Error with a sentence if there is none, or
+    /// if another recorder drives it.
     static std::unique_ptr<ImpressOffice> Join(const String& pipe, host::IEventLoop& loop, host::IMonitors& monitors);
     ~ImpressOffice();
     ImpressOffice(const ImpressOffice&) = delete;
@@ -50,6 +52,9 @@ class ImpressOffice {
 
     /// Writes slide `number` of the active presentation as a PNG picture of `width` by `height` pixels.
     void ExportSlidePng(std::int32_t number, const String& path, std::int32_t width, std::int32_t height);
+
+    /// The commands in the office's own menu, which are ours from start or joining on; null without the extension.
+    OfficeMenu* Menu();
 
     /// Process of the office, 0 if unknown.
     std::int64_t ProcessId() const;

@@ -110,9 +110,19 @@ std::shared_ptr<OfficeDocument> OfficeModel::Adopt(const Reference<css::frame::X
     return AdoptInto(*m_documents, m_events, model);
 }
 
+std::shared_ptr<OfficeDocument> OfficeModel::DocumentOf(const Reference<css::frame::XModel>& model) {
+    try {
+        return m_link->Call(u"Document", [self = shared_from_this(), model] { return self->Adopt(model); });
+    } catch (const host::Error&) {
+        return nullptr;  // closed meanwhile, or a dead office
+    }
+}
+
 std::shared_ptr<OfficeDocument> OfficeModel::ActiveDocument() {
+    if (!m_scopes.empty()) return m_scopes.back().show->document;
     const auto known = m_documents->All();
-    if (!m_link->IsDead() && m_scopes.empty()) {
+    if (std::find(known.begin(), known.end(), m_inHand) != known.end()) return m_inHand;
+    if (!m_link->IsDead()) {
         const auto front = m_link->Call(u"ActivePresentation", [remote = m_link->Remote(), documents = m_documents] {
             const auto frame = css::frame::Desktop::create(remote)->getCurrentFrame();
             const auto controller = frame.is() ? frame->getController() : nullptr;
@@ -120,7 +130,6 @@ std::shared_ptr<OfficeDocument> OfficeModel::ActiveDocument() {
         });
         if (front) return front;
     }
-    if (!m_scopes.empty()) return m_scopes.back().show->document;
     if (m_lastShown) return m_lastShown;
     if (known.empty()) throw OfficeError(u"ActivePresentation", u"No presentation is open.");
     return known.back();
@@ -193,6 +202,7 @@ void OfficeModel::Begin(const std::shared_ptr<OfficeDocument>& document) {
     show->document = document;
     m_shows.push_back(show);
     m_lastShown = document;
+    m_inHand = document;
     m_pulseTimer = m_loop.StartTimer(u"impress pulse", kPulseMs, host::TimerReentry::Skipped, [this] { TakePulse(); });
     m_scopes.push_back({show, 0});
     ImpressShowWindow window(shared_from_this(), show);
@@ -233,6 +243,7 @@ void OfficeModel::CloseDocument(const std::shared_ptr<OfficeDocument>& document)
 
 void OfficeModel::Forget(const std::shared_ptr<Show>& show) {
     std::erase(m_shows, show);
+    if (m_inHand == show->document) m_inHand.reset();
     if (m_shows.empty()) m_pulseTimer.reset();
 }
 
@@ -257,6 +268,15 @@ void OfficeModel::TakePulse() {
         for (const auto& document : shown)
             if (!KeepRunning(*document)) events->Push({OfficeEventKind::ShowEnded, document, 0});
     });
+}
+
+ActiveScope::ActiveScope(OfficeModel& office, std::shared_ptr<OfficeDocument> document)
+    : m_office(office), m_document(std::move(document)) {
+    if (m_document) m_office.m_inHand = m_document;
+}
+
+ActiveScope::~ActiveScope() {
+    if (m_document && m_office.m_inHand == m_document && !m_office.ShowOf(m_document)) m_office.m_inHand.reset();
 }
 
 }  // namespace kestrum::impress

@@ -45,9 +45,12 @@ class OfficeModel : public std::enable_shared_from_this<OfficeModel> {
     /// Takes note of `model` if it is a presentation; null if it is something else. Inside a job.
     std::shared_ptr<OfficeDocument> Adopt(const css::uno::Reference<css::frame::XModel>& model);
 
-    /// The presentation in front; when the office cannot tell (any more), the one of the event being dispatched or of
-    /// the last show. Raises if there is none.
+    /// The presentation that is worked on: that of the event being dispatched, else the one whose command or show began
+    /// last and still runs, else the one in front, and when the office cannot tell (any more) that of the last show.
+    /// Raises if there is none.
     std::shared_ptr<OfficeDocument> ActiveDocument();
+    /// The document of `model`, taken note of if it is new; null if it is no presentation or the office fails.
+    std::shared_ptr<OfficeDocument> DocumentOf(const css::uno::Reference<css::frame::XModel>& model);
 
     const std::vector<std::shared_ptr<Show>>& Shows() const { return m_shows; }
     /// The running show of `document`, null if none runs.
@@ -93,9 +96,24 @@ class OfficeModel : public std::enable_shared_from_this<OfficeModel> {
         std::int32_t slide;
     };
     std::vector<EventScope> m_scopes;
+    friend class ActiveScope;
+    std::shared_ptr<OfficeDocument> m_inHand;  ///< of the command or show that began last, while it runs
     std::unique_ptr<host::ITimer> m_pulseTimer;
     std::function<bool()> m_pulseUnderWay;
     std::optional<PatientWait> m_pulseWait;
+};
+
+/// As long as it lives, and no show begins, `document` is the active one; null changes nothing.
+class ActiveScope {
+  public:
+    ActiveScope(OfficeModel& office, std::shared_ptr<OfficeDocument> document);
+    ~ActiveScope();
+    ActiveScope(const ActiveScope&) = delete;
+    ActiveScope& operator=(const ActiveScope&) = delete;
+
+  private:
+    OfficeModel& m_office;
+    const std::shared_ptr<OfficeDocument> m_document;
 };
 
 }  // namespace kestrum::impress

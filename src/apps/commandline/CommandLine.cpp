@@ -86,6 +86,24 @@ WatchRequest ParseWatch(Words& words) {
     return request;
 }
 
+AttachRequest ParseAttach(Words& words) {
+    AttachRequest request;
+    while (!words.AtEnd()) {
+        const std::string word = words.Take();
+        if (word == "--pipe") {
+            request.pipe = words.TakeValue(word);
+        } else if (word == "--command") {
+            request.command = words.TakeValue(word);
+        } else if (word == "--automatic") {
+            request.automatic = true;
+        } else {
+            throw UsageError("attach takes --pipe, --command and --automatic, not \"" + word + "\".");
+        }
+    }
+    if (request.pipe.empty()) throw UsageError("attach needs the pipe of an office: kestrum attach --pipe NAME.");
+    return request;
+}
+
 /// A whole number from `least` to `most`; throws `sentence` otherwise.
 std::int32_t Bounded(std::string_view text, std::int32_t least, std::int32_t most, const std::string& sentence) {
     std::int32_t number = 0;
@@ -222,6 +240,7 @@ Request ParseCommandLine(const std::vector<std::string>& arguments) {
     const std::string command = words.Take();
     if (command == "record") return ParseRecord(words);
     if (command == "watch") return ParseWatch(words);
+    if (command == "attach") return ParseAttach(words);
     if (command == "publish") return ParsePublish(words);
     if (command == "configure") return ParseConfigure(words);
     if (command == "devices") return ParseDevices(words);
@@ -245,6 +264,12 @@ std::string HelpText() {
   kestrum watch DECK
       Opens DECK in Impress and records each slide show that is started there, until DECK is closed. Automatic recording
       must be switched on in the settings.
+
+  kestrum attach --pipe NAME [--command ID] [--automatic]
+      Serves the commands of an Impress that is open already and listens on the pipe NAME, as long as it is open. The
+      Kestrum menu of Impress starts this by itself.
+      --command ID       run this command of the menu first
+      --automatic        end at once unless automatic recording is switched on
 
   kestrum publish mp4 DECK|PACKAGE... [--size WxH] [--bitrate K] [--webcam PLACE[,SIZE]] [--json]
       Makes a folder with a web page that plays the lecture. The folder stands beside the package.

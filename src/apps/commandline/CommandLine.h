@@ -22,6 +22,13 @@ struct WatchRequest {
     std::string deck;
 };
 
+/// `kestrum attach --pipe NAME [--command ID] [--automatic]`
+struct AttachRequest {
+    std::string pipe;        ///< where an office listens
+    std::string command;     ///< to begin with, as the menu names it; empty: none
+    bool automatic = false;  ///< only if shows are recorded automatically
+};
+
 /// `kestrum publish mp4 DECK|PACKAGE... [--size WxH] [--bitrate K] [--webcam POS[,SIZE]] [--json]`
 struct PublishRequest {
     struct Size {
@@ -72,8 +79,8 @@ struct HelpRequest {};
 struct VersionRequest {};
 
 using Request =
-    std::variant<RecordRequest, WatchRequest, PublishRequest, ConfigureRequest, DevicesRequest, ResolutionRequest,
-                 InfoRequest, VerifyRequest, RegisterRequest, HelpRequest, VersionRequest>;
+    std::variant<RecordRequest, WatchRequest, AttachRequest, PublishRequest, ConfigureRequest, DevicesRequest,
+                 ResolutionRequest, InfoRequest, VerifyRequest, RegisterRequest, HelpRequest, VersionRequest>;
 
 /// The words cannot be understood; what() is the sentence for the user.
 class UsageError : public std::runtime_error {

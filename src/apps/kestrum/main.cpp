@@ -6,6 +6,7 @@
 #include "adapters/linux/EndSignals.h"
 #include "apps/commandline/DeviceList.h"
 #include "apps/commandline/InfoCommand.h"
+#include "apps/kestrum/AttachCommand.h"
 #include "apps/kestrum/BatchProgram.h"
 #include "apps/kestrum/PublishCommand.h"
 #include "apps/kestrum/RecordCommand.h"
@@ -39,6 +40,7 @@ int Run(Console& console, const std::vector<std::string>& arguments) {
     const Request request = ParseCommandLine(arguments);
     if (const auto* record = std::get_if<RecordRequest>(&request)) return RunRecord(console, *record);
     if (const auto* watch = std::get_if<WatchRequest>(&request)) return RunWatch(console, *watch);
+    if (const auto* attach = std::get_if<AttachRequest>(&request)) return RunAttach(console, *attach);
     if (const auto* publish = std::get_if<PublishRequest>(&request)) return RunPublish(console, *publish);
     if (const auto* verify = std::get_if<VerifyRequest>(&request)) return VerifyPackage(console, *verify);
     if (const auto* configure = std::get_if<ConfigureRequest>(&request)) return RunConfigure(console, *configure);

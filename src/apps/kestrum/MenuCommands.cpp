@@ -1,0 +1,65 @@
+#include "apps/kestrum/MenuCommands.h"
+
+#include "apps/commandline/Preflight.h"
+#include "host/ResumeNext.h"
+#include "support/modGlobal.h"
+#include "support/modMsgBox.h"
+
+namespace kestrum::app {
+namespace {
+
+constexpr std::int32_t kLookMs = 500;
+/// What changes seldom and costs more (settings, monitors) is looked at every so many looks.
+constexpr std::int32_t kSeldom = 10;
+
+constexpr StringView kIds[] = {u"rec",          u"mnuEdit",    u"mnuUpload",    u"mnuCompress", u"mnuPreview",
+                               u"mnuConfigure", u"mnuAudio",   u"mnuKestrum7",  u"mnuflash",    u"mnuWMV",
+                               u"mnuMP4",       u"mnuAdvEdit", u"mnuChangeRes", u"mnuDevice",   u"mnuYtUpload",
+                               u"mnuHelp",      u"mnuAbout"};
+
+/// Why a recording of the active presentation could not be kept; nothing if it can, or if it has never been saved: the
+/// command itself has a word for that.
+std::optional<String> CheckActiveDeck(const addin::Context& c) {
+    String deck;
+    host::ResumeNext{c.host.trace}.Set(deck, [&] { return c.host.app.ActivePresentation()->FullName(); });
+    if (modGlobal::FolderOf(c, deck).empty()) return std::nullopt;
+    if (auto sentence = CheckDeck(c, deck)) return sentence;
+    return CheckSound(c);
+}
+
+}  // namespace
+
+MenuCommands::MenuCommands(Session& session, impress::OfficeMenu* menu) : m_session(session), m_menu(menu) {
+    if (!m_menu) return;
+    Look();
+    m_look = session.c.host.loop.StartTimer(u"menu", kLookMs, host::TimerReentry::Entered, [this] { Look(); });
+    m_menu->OnPick([this](const String& id) { Pick(id); });
+}
+
+void MenuCommands::Pick(const String& id) {
+    if (m_running) return;
+    m_running = true;
+    Show();
+    const auto refusal = id == u"rec" ? CheckActiveDeck(m_session.c) : std::nullopt;
+    if (refusal)
+        modMsgBox::MsgBox(m_session.c, *refusal);
+    else
+        m_session.addIn.NotesButton(id);
+    m_running = false;
+    Show();
+}
+
+void MenuCommands::Look() {
+    if (m_looks++ % kSeldom == 0) m_otherRecording = CheckNoRecording(m_session.c).has_value();
+    Show();
+}
+
+void MenuCommands::Show() {
+    if (!m_menu) return;
+    const bool enabled = !m_running && !m_session.recording.g_Recording && !m_otherRecording;
+    std::map<String, impress::CommandState> states;
+    for (const StringView id : kIds) states[String(id)] = {enabled, true};
+    m_menu->Show(states);
+}
+
+}  // namespace kestrum::app
