@@ -35,6 +35,18 @@ TEST(CommandLine, Watch_TakesOnePresentation) {
     EXPECT_THROW(ParseCommandLine({"watch", "a.pptx", "--advance", "1"}), UsageError);
 }
 
+TEST(CommandLine, Attach_NeedsThePipeOfAnOffice) {
+    const auto request = std::get<AttachRequest>(
+        ParseCommandLine({"attach", "--pipe", "kestrum-1f", "--command", "mnuMP4", "--automatic"}));
+    EXPECT_EQ(request.pipe, "kestrum-1f");
+    EXPECT_EQ(request.command, "mnuMP4");
+    EXPECT_TRUE(request.automatic);
+    EXPECT_FALSE(std::get<AttachRequest>(ParseCommandLine({"attach", "--pipe", "a"})).automatic);
+    EXPECT_NE(UsageErrorOf({"attach"}).find("--pipe"), std::string::npos);
+    EXPECT_NE(UsageErrorOf({"attach", "--pipe"}).find("needs a value"), std::string::npos);
+    EXPECT_NE(UsageErrorOf({"attach", "--pipe", "a", "deck.pptx"}).find("deck.pptx"), std::string::npos);
+}
+
 TEST(CommandLine, Record_RefusesNumbersThatAreNone) {
     EXPECT_NE(UsageErrorOf({"record", "a.pptx", "--from", "0"}).find("--from"), std::string::npos);
     EXPECT_NE(UsageErrorOf({"record", "a.pptx", "--from", "2x"}).find("2x"), std::string::npos);

@@ -27,9 +27,11 @@ std::string ReadAll(const fs::path& path) {
     return text.str();
 }
 
-/// All sources of the program: path below src/ to text.
+/// All sources of the program: path below src/ to text, and the script that makes the menu of the extension.
 std::map<std::string, std::string> Sources() {
     std::map<std::string, std::string> sources;
+    const fs::path menu = fs::path("packaging") / "impress" / "make-texts";
+    sources[menu.generic_string()] = ReadAll(fs::path(places::kSource) / menu);
     const fs::path root = fs::path(places::kSource) / "src";
     for (const auto& entry : fs::recursive_directory_iterator(root)) {
         const std::string extension = entry.path().extension().string();
@@ -139,12 +141,12 @@ TEST_F(LanguageFileTest, HoldsNothingThatNoSourceAsksFor) {
         }
         return std::any_of(sources.begin(), sources.end(), [&](const auto& source) {
             const std::string& text = source.second;
-            const bool named = text.find("u\"" + key + "\"") != std::string::npos ||
+            const bool named = text.find("\"" + key + "\"") != std::string::npos ||
                                (!beginning.empty() && text.find("u\"" + beginning + "\"") != std::string::npos);
             // The sources of a form are named like it, some with an ending of their own ("frmDeviceSave.cpp").
             const bool ofThisForm = fs::path(source.first).stem().string().rfind(section, 0) == 0 ||
                                     (section == "commandLine" && source.first.rfind("apps/", 0) == 0);
-            return named && (ofThisForm || text.find("u\"" + section + "\"") != std::string::npos);
+            return named && (ofThisForm || text.find("\"" + section + "\"") != std::string::npos);
         });
     };
     for (const auto& [section, keys] : entries) {

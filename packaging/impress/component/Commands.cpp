@@ -87,12 +87,12 @@ void Commands::StartForAutomaticRecording() {
 void Commands::Start(bool automatic) {
     const rtl::Reference<Commands> self(this);
     try {
-        if (m_channel.isEmpty()) m_channel = OpenChannel(m_context);
+        if (m_channel.pipe.isEmpty()) m_channel = OpenChannel(m_context);
         {
             std::lock_guard lock(m_mutex);
             m_starting = true;
         }
-        const bool started = StartProgram(m_channel, automatic, [self, automatic](const ProgramEnd& end) {
+        const bool started = StartProgram(m_channel.pipe, automatic, [self, automatic](const ProgramEnd& end) {
             OnMainThread(self->m_context, [self, end, automatic] { self->ProgramEnded(end, automatic); });
         });
         if (started) return;

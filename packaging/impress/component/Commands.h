@@ -93,7 +93,7 @@ class Commands : public cppu::WeakImplHelper2<css::lang::XInitialization, css::l
     Pick m_waiting;                                  ///< for the program that is being started; without an id: nothing
     std::map<rtl::OUString, CommandState> m_states;  ///< as the program told them
     std::vector<Watcher> m_watchers;
-    rtl::OUString m_channel;  ///< name of the pipe, once it is open
+    Channel m_channel;  ///< opened at the first start
 };
 
 }  // namespace kestrum::extension

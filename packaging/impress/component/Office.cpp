@@ -89,7 +89,7 @@ void AfterShows(const Context& context, std::function<void()> task) {
     }).detach();
 }
 
-rtl::OUString OpenChannel(const Context& context) {
+Channel OpenChannel(const Context& context) {
     const auto name = UnguessableName();
     const Reference<css::lang::XInitialization> acceptor(
         context->getServiceManager()->createInstanceWithContext("com.sun.star.office.Acceptor", context),
@@ -98,7 +98,7 @@ rtl::OUString OpenChannel(const Context& context) {
     arguments.getArray()[0] <<= "pipe,name=" + name + ";urp;StarOffice.ComponentContext";
     arguments.getArray()[1] <<= true;
     acceptor->initialize(arguments);
-    return name;
+    return {name, acceptor};
 }
 
 }  // namespace kestrum::extension

@@ -21,8 +21,13 @@ void ShowSentence(const Context& context, const css::uno::Reference<css::frame::
 /// Runs `task` as soon as no slide show runs in this office: a box would keep the keys from a show. Main thread.
 void AfterShows(const Context& context, std::function<void()> task);
 
-/// Lets programs of this user connect to the office through a pipe whose name nobody can guess; gives the name. Raises
-/// a UNO exception if that cannot be.
-rtl::OUString OpenChannel(const Context& context);
+/// Where programs of this user can connect to the office, as long as the door is kept.
+struct Channel {
+    rtl::OUString pipe;  ///< its name, which nobody can guess; empty: closed
+    css::uno::Reference<css::uno::XInterface> door;
+};
+
+/// Raises a UNO exception if that cannot be.
+Channel OpenChannel(const Context& context);
 
 }  // namespace kestrum::extension
