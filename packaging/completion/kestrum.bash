@@ -16,7 +16,7 @@ _kestrum() {
   local cur=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} command=${COMP_WORDS[1]}
   COMPREPLY=()
   if ((COMP_CWORD == 1)); then
-    _kestrum_words 'record watch publish configure devices resolution info verify help --help --version'
+    _kestrum_words 'record watch attach publish configure devices resolution info verify help --help --version'
     return
   fi
   if [[ $command == publish ]] && ((COMP_CWORD == 2)); then
@@ -24,13 +24,14 @@ _kestrum() {
     return
   fi
   case $before in
-    --from | --advance | --bitrate) return ;;
+    --from | --advance | --bitrate | --pipe | --command) return ;;
     --size) _kestrum_words '1920x1080 1280x720 1024x768'; return ;;
     --webcam) _kestrum_words 'top-right bottom-right top-left bottom-left none'; return ;;
   esac
   if [[ $cur == -* ]]; then
     case $command in
       record) _kestrum_words '--from --advance' ;;
+      attach) _kestrum_words '--pipe --command --automatic' ;;
       publish) _kestrum_words '--size --bitrate --webcam --json' ;;
       devices) _kestrum_words '--list --json' ;;
       info) _kestrum_words '--json' ;;

@@ -5,6 +5,7 @@ local both='*.(#i)(odp|fodp|otp|sxi|ppt|pptx|pptm|pps|ppsx|ppsm|pot|potx|potm|ke
 local -a commands=(
   'record:record a lecture'
   'watch:open a presentation and record each show that is started'
+  'attach:serve an Impress that is open already'
   'publish:make a folder with a web page'
   'configure:the settings'
   'devices:microphone and camera'
@@ -26,6 +27,8 @@ case $command in
   record) _arguments '--from[begin at a slide]:number of the slide:' '--advance[seconds for each slide]:seconds:' \
     "1:presentation:_files -g '$decks'" ;;
   watch) _arguments "1:presentation:_files -g '$decks'" ;;
+  attach) _arguments '--pipe[where the office listens]:name:' '--command[a command of the menu to begin with]:id:' \
+    '--automatic[only if shows are recorded automatically]' ;;
   publish) _arguments '1:format:(mp4)' '--size[size of the picture]:WxH:(1920x1080 1280x720 1024x768)' \
     '--bitrate[kbit/s of the picture]:kbit/s:' \
     '--webcam[place of the webcam picture]:place:(top-right bottom-right top-left bottom-left none)' \

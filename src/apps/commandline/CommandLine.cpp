@@ -96,8 +96,10 @@ AttachRequest ParseAttach(Words& words) {
             request.command = words.TakeValue(word);
         } else if (word == "--automatic") {
             request.automatic = true;
+        } else if (IsOption(word)) {
+            throw UsageError("attach has no option " + word + ".");
         } else {
-            throw UsageError("attach takes --pipe, --command and --automatic, not \"" + word + "\".");
+            throw UsageError("attach serves an office, not \"" + word + "\".");
         }
     }
     if (request.pipe.empty()) throw UsageError("attach needs the pipe of an office: kestrum attach --pipe NAME.");
