@@ -340,6 +340,14 @@ TEST_F(MixedPicturesTest, AmongBigChanges_SmallOnesMakeNoKeyFramesNecessary) {
     EXPECT_EQ(keys, 1) << "only the first small ones came right after a key frame that was asked for";
 }
 
+TEST_F(MixedPicturesTest, ABigChangeNowAndThen_LeavesTheSmallOnesToOurWriter) {
+    Send(All(), true);
+    for (int step = 0; step < 40; ++step) Send(ChangeMap(kWidth, kHeight));
+    picture = Slide(kWidth, kHeight, 8);
+    EXPECT_TRUE(Send(All()).isKey);
+    EXPECT_LE(Send(ChangeMap(kWidth, kHeight)).sample.size(), 16U) << "x264 needs more for a picture like the last";
+}
+
 TEST_F(MixedPicturesTest, AfterAWhileWithoutBigChanges_OurWriterTakesOverAgain) {
     Send(All(), true);
     picture = Slide(kWidth, kHeight, 6);

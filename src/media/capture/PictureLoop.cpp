@@ -33,7 +33,8 @@ PictureLoop::~PictureLoop() {
 }
 
 void PictureLoop::Start(std::int64_t positionMs) {
-    m_lastTakenNs = m_lastSweepNs = MonotonicNs();
+    Taken(MonotonicNs());
+    m_lastSweepNs = m_lastTakenNs;
     Send(positionMs, true, true);
     m_thread = std::thread([this] { Run(); });
 }
@@ -73,16 +74,23 @@ bool PictureLoop::CheckScreen() {
 
 void PictureLoop::KeepPromises() {
     while (const auto position = m_clock.TakePromise()) {
-        m_lastTakenNs = MonotonicNs();
+        Taken(MonotonicNs());
         const bool changed = m_source.Refresh(true);
         m_lastSweepNs = m_lastTakenNs;
         Send(*position, true, changed);
     }
 }
 
+// A picture that was late does not put off those after it, or of a film that runs at the same rate some would be
+// missed.
+void PictureLoop::Taken(std::int64_t nowNs) {
+    m_lastTakenNs = nowNs;
+    m_nextDueNs = std::max(m_nextDueNs, nowNs - m_intervalNs / 2) + m_intervalNs;
+}
+
 bool PictureLoop::IsPictureDue(std::int64_t nowNs) const {
     const bool hasNews = m_source.GetScreen().HasNews();
-    if (nowNs < m_lastTakenNs + m_intervalNs || m_feeder.IsBehind()) return false;
+    if (nowNs < m_nextDueNs || m_feeder.IsBehind()) return false;
     return hasNews || nowNs >= m_lastSweepNs + kSweepNs || nowNs >= m_lastSentNs + kStillNs;
 }
 
@@ -91,7 +99,7 @@ void PictureLoop::TakeDuePicture() {
     if (!IsPictureDue(now)) return;
     const bool sweep = now >= m_lastSweepNs + kSweepNs;
     if (sweep) m_lastSweepNs = now;
-    m_lastTakenNs = now;
+    Taken(now);
     const bool changed = m_source.Refresh(sweep);
     if (!changed && now < m_lastSentNs + kStillNs) return;
     // A promise made meanwhile goes first; its picture shows this change too.
@@ -113,10 +121,9 @@ void PictureLoop::Send(std::int64_t positionMs, bool key, bool changed) {
 
 int PictureLoop::WaitMs() const {
     const std::int64_t now = MonotonicNs();
-    const std::int64_t earliest = m_lastTakenNs + m_intervalNs;
     const bool hasNews = m_source.GetScreen().HasNews();
-    std::int64_t due = hasNews ? earliest : std::min(m_lastSweepNs + kSweepNs, m_lastSentNs + kStillNs);
-    due = std::max({due, earliest, m_feeder.IsBehind() ? now + kNsPerSecond / 20 : now});
+    std::int64_t due = hasNews ? m_nextDueNs : std::min(m_lastSweepNs + kSweepNs, m_lastSentNs + kStillNs);
+    due = std::max({due, m_nextDueNs, m_feeder.IsBehind() ? now + kNsPerSecond / 20 : now});
     // Rounded up: a millisecond too early would spin.
     return static_cast<int>(std::max<std::int64_t>(0, (due - now + kNsPerMs - 1) / kNsPerMs));
 }

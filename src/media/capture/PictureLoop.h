@@ -45,6 +45,7 @@ class PictureLoop {
     void Run();
     void KeepPromises();
     void TakeDuePicture();
+    void Taken(std::int64_t nowNs);
     void Send(std::int64_t positionMs, bool key, bool changed);
     int WaitMs() const;
     void Wait();
@@ -60,6 +61,7 @@ class PictureLoop {
     std::atomic<bool> m_stop{false};
     std::atomic<EncoderState> m_state{EncoderState::kRunning};
     std::int64_t m_lastTakenNs = 0;
+    std::int64_t m_nextDueNs = 0;  ///< no picture is taken earlier, unless it was promised
     std::int64_t m_lastSentNs = 0;
     std::int64_t m_lastKeyNs = 0;
     std::int64_t m_lastSweepNs = 0;

@@ -23,7 +23,7 @@ constexpr double kBitsPerPixel = 4.0;
 // Up to this share of the macroblocks a change is small: there our own writer is faster by far, and near the share of
 // bits that x264 saves.
 constexpr std::size_t kSmallShare = 10;
-// After big changes x264 goes on for so long, since the next big one may come soon and would be a key frame.
+// After two big changes within this time x264 goes on for as long, since the next one would be a key frame.
 constexpr int kHoldSeconds = 2;
 
 int LevelFor(int width, int height) {
@@ -99,16 +99,13 @@ class VideoEncoder::Impl {
 
     EncodedPicture Encode(const I420Picture& picture, const ChangeMap& changes, bool key) {
         const bool isSmall = changes.Count() <= changes.Size() / kSmallShare;
-        if (!key && isSmall && m_small && (m_isAfterSmall || m_quietPictures >= m_holdPictures)) {
-            return EncodeSmall(picture, changes);
-        }
+        ++m_picturesSinceBig;
+        if (!key && isSmall && m_small && (m_isAfterSmall || !m_isBusy)) return EncodeSmall(picture, changes);
         const EncodedPicture encoded = EncodeWhole(picture, changes, key || m_isAfterSmall);
         m_isAfterSmall = false;
-        if (key) {
-            m_quietPictures = m_holdPictures;  // as a rule a new slide: it rests
-        } else {
-            m_quietPictures = isSmall ? m_quietPictures + 1 : 0;
-        }
+        const bool isSoon = m_picturesSinceBig < m_holdPictures;
+        m_isBusy = !key && isSoon && (m_isBusy || !isSmall);
+        if (key || !isSmall) m_picturesSinceBig = 0;
         return encoded;
     }
 
@@ -206,7 +203,8 @@ class VideoEncoder::Impl {
     std::uint32_t m_picturesSinceKey = 0;
     std::optional<h264::SmallPictureWriter> m_small;  ///< nothing if x264 has to write all pictures
     bool m_isAfterSmall = false;                      ///< the last picture was a small one
-    int m_quietPictures = 0;                          ///< pictures of x264 since the last big change
+    bool m_isBusy = false;                            ///< big changes came soon after each other
+    int m_picturesSinceBig = 0;
     int m_holdPictures = 0;
     bool m_headersInKeyFrames = false;
     Bytes m_keySample;
