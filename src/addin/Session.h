@@ -2,6 +2,7 @@
 // one on its ports; a test makes one on the scripted world. Nothing happens before the connection.
 #pragma once
 
+#include "addin/Companion.h"
 #include "addin/Context.h"
 #include "addin/dsrImagePowerPoint.h"
 
@@ -18,6 +19,10 @@ class Session {
     void Connect() { addIn.IDTExtensibility2_OnConnection(c.host.app); }
     void Disconnect() { addIn.IDTExtensibility2_OnDisconnection(); }
 
+    /// A person is there: from now on the session has a companion, which says before, during and after a recording how
+    /// it stands. `everyShow`: a show of any presentation tells that it is not being recorded.
+    void Accompany(bool everyShow) { companion = std::make_unique<Companion>(c, addIn, everyShow); }
+
     support::State support;
     project::State project;
     devices::State devices;
@@ -33,6 +38,8 @@ class Session {
     /// What every routine is given.
     addin::Context c;
     dsrImagePowerPoint addIn;
+    /// Null while nobody is there.
+    std::unique_ptr<Companion> companion;
 };
 
 }  // namespace kestrum

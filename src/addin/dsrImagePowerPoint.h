@@ -46,6 +46,11 @@ class dsrImagePowerPoint {
     /// A command is running: a second click returns at once.
     bool CommandBusy = false;
 
+    /// A recording is asked for and may start; false calls it off. Empty, or must keep its failures to itself.
+    std::function<bool()> onRecordPressed;
+    /// The show of a recording is about to be run. The same holds.
+    std::function<void()> onShowStarts;
+
     /// The driver form; null before the connection.
     frmViewer* Viewer() const { return m_viewer.get(); }
 

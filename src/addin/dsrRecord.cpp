@@ -44,7 +44,9 @@ void dsrImagePowerPoint::DoRecord() {
 }
 
 void dsrImagePowerPoint::Record() {
-    if (!MayRecord() || !SetVolumeBefore()) return;
+    if (!MayRecord()) return;
+    if (onRecordPressed && !onRecordPressed()) return;
+    if (!SetVolumeBefore()) return;
     recording::State& r = m_c.recording;
     m_c.support.currentStep = u"Get initial slideIndex";
     r.g_InitialSlide = m_c.host.app.SelectedSlides()->SlideIndex();
@@ -86,6 +88,7 @@ void dsrImagePowerPoint::StartShow() {
     auto& notice = m_c.forms.Get<frmTopmost>(m_c);
     notice.Show();
     notice.Refresh();
+    if (onShowStarts) onShowStarts();
     r.g_RecordRequested = true;
     r.g_AbortShow = false;
     r.g_SavedState = m_c.host.app.ActivePresentation()->Saved();

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "host/String.h"
+
 namespace kestrum::devices {
 
 struct State {
@@ -12,6 +14,8 @@ struct State {
     std::int32_t g_AudioLevel = 0;
     /// Ticks of low volume so far.
     std::int32_t silenceCounter = 0;
+    /// What to tell before the recording that is about to start; empty for nothing, and once it was told.
+    String adviceLine;
     /// Another program holds the devices.
     bool deviceLocked = false;
 };

@@ -1,5 +1,7 @@
 #include "devices/frmVolSetting.h"
 
+#include <utility>
+
 #include "devices/modDevice.h"
 #include "devices/modVolume.h"
 #include "support/modConfig.h"
@@ -23,6 +25,7 @@ frmVolSetting::frmVolSetting(const devices::Context& c) : Form(c.forms, u"frmVol
     lCheckDevice.SetVisible(false);
     Check1_0.SetVisible(false);
     Check1_1.SetVisible(false);
+    lAdvice.SetVisible(false);
     cmdRec.onClick = [this] { cmdRec_Click(); };
     cmdCancel.onClick = [this] { Unload(); };
     SldVolLevel.onChange = [this] { m_c.host.ksLib.SetVolumeScale(SldVolLevel.Value()); };
@@ -30,7 +33,7 @@ frmVolSetting::frmVolSetting(const devices::Context& c) : Form(c.forms, u"frmVol
     Check1_1.onClick = [this] { m_c.host.ksLib.MixerSet(1, Check1_1.Value()); };
     tmrInitDevice.onTimer = [this] { tmrInitDevice_Timer(); };
     tmrGetVol.onTimer = [this] { tmrGetVol_Timer(); };
-    SetLayout(ui::Column({lMsg, ui::Row({picCheckDevice, lCheckDevice}), ui::Field(lInputLevel, InputLevel),
+    SetLayout(ui::Column({lMsg, lAdvice, ui::Row({picCheckDevice, lCheckDevice}), ui::Field(lInputLevel, InputLevel),
                           ui::Field(lVolume, SldVolLevel), ui::Row({Check1_0, Check1_1}), chkPrompt,
                           ui::Buttons({cmdRec, cmdCancel})}));
 }
@@ -40,6 +43,8 @@ void frmVolSetting::OnLoad() {
     ui::WindowStyle style;
     style.topmost = true;
     SetStyle(style);
+    lAdvice.SetCaption(std::exchange(m_c.devices.adviceLine, {}));
+    lAdvice.SetVisible(!lAdvice.Caption().empty());
     tmrInitDevice.SetEnabled(true);
 }
 

@@ -13,6 +13,7 @@ class frmVolSetting : public ui::Form {
     ui::Picture picCheckDevice{*this, u"picCheckDevice"};
     ui::Label lCheckDevice{*this, u"lCheckDevice"};
     ui::Label lMsg{*this, u"lMsg"};
+    ui::Label lAdvice{*this, u"lAdvice"};
     ui::Label lInputLevel{*this, u"lInputLevel"};
     ui::LevelMeter InputLevel{*this, u"InputLevel"};
     ui::Label lVolume{*this, u"lVolume"};

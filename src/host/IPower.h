@@ -17,6 +17,8 @@ class IPower {
     virtual ~IPower() = default;
     /// Sets the execution state: 0x80000003 keeps system and display awake until 0x80000000 withdraws it.
     virtual void SetExecutionState(std::uint32_t state) = 0;
+    /// False if that was wanted, and nothing on this system took the wish for the display.
+    virtual bool KeepsDisplayAwake() = 0;
 };
 
 }  // namespace kestrum::host

@@ -32,6 +32,8 @@ class IProcesses {
     [[nodiscard]] virtual std::unique_ptr<IProcess> StartShell(const String& commandLine) = 0;
     /// Opens a document, folder or web address with the program that the desktop has for it. False if there is none.
     virtual bool OpenWithDesktop(const String& target) = 0;
+    /// Shows the file, selected, in the desktop's file manager, or at least opens its folder. False if neither can be.
+    virtual bool ShowInFolder(const String& file) = 0;
     /// State of a service of the system by its name: "Running", "Stopped" ...; empty if the system has none such.
     virtual String ServiceState(const String& service) = 0;
     /// Ends a service. Fails if that is not allowed.

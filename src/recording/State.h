@@ -26,6 +26,8 @@ struct State {
     bool g_Recording = false;
     /// A start failed and the show must be ended by whoever still holds it.
     bool g_AbortShow = false;
+    /// A fault of the encoder ended, or is ending, the recording; cleared when the next one starts.
+    bool faulted = false;
     /// DoSlideShowEnd is at work: a second stop in its pumps finds nothing left to do.
     bool stopping = false;
 

@@ -9,7 +9,7 @@ namespace kestrum {
 frmRecDot::frmRecDot(const recording::Context& c) : Form(c.forms, u"frmRecDot"), m_c(c) {
     SetStyle(support::IndicatorStyle(support::kSeeThrough));
     Label1.SetTextAlignment(ui::Alignment::Centre);
-    recording::MakeRecordingLight(Label1);
+    recording::MakeRecordingLight(c, Label1);
     SetLayout(ui::Column({Label1}));
 }
 

@@ -17,7 +17,7 @@ constexpr std::int32_t kWidth = 150, kHeight = 30, kMargin = 10;  // pixels
 
 frmRecStatus::frmRecStatus(const recording::Context& c) : Form(c.forms, u"frmRecStatus"), m_c(c) {
     SetStyle(support::IndicatorStyle(support::kSeeThrough));
-    recording::MakeRecordingLight(Label1);
+    recording::MakeRecordingLight(c, Label1);
     Label2.SetCaption(kAtStart);
     SetLayout(ui::Row({Label1, Label2}));
     RecTimer.onTimer = [this] { RecTimer_Timer(); };

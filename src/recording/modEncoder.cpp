@@ -150,6 +150,7 @@ void Run(const recording::Context& c) {
     // On before the first picture is taken: nothing is ever recorded unseen.
     c.forms.Get<frmRecDot>(c).Light();
     r.g_EncoderStarted = true;
+    r.faulted = false;
     c.project.storedProject.clear();  // from now on the worker changes what is stored
     r.g_LastEncoderResult = c.host.ksLib.EncoderStart(0);
     r.g_RecordStartTick = c.host.loop.TickCount();
@@ -222,6 +223,7 @@ bool StopEncoder(const recording::Context& c) {
         modViewer::UnloadForm(c, u"frmStatus");
         if (modViewer::RegionIsSmaller(c)) modViewer::UnloadMasks(c);
         if (c.host.ksLib.EncoderState() == host::encoder_state::kFileError) {
+            c.recording.faulted = true;
             modMsgBox::MsgBox(c, u"write file error!");
             return false;
         }

@@ -54,6 +54,7 @@ void CheckEncoderState(const recording::Context& c) {
     std::int32_t state = c.host.ksLib.EncoderState();
     for (const Fault& fault : kFaults) {
         if (fault.state != state) continue;
+        c.recording.faulted = true;
         modViewer::UnloadForm(c, u"frmRecDot");  // nothing is recorded while the message waits for its answer
         if (fault.order == Order::AbortThenMessage) modViewer::AbortRecording(c);
         Tell(c, fault);

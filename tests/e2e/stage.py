@@ -116,9 +116,11 @@ class Folder:
 
 
 class Settings:
-    """Settings of the recorder in a folder of their own, which several runs can share."""
+    """Settings of the recorder in a folder of their own, which several runs can share. Nothing is asked or shown around
+    a recording unless the test wants it."""
 
     def __init__(self, folder, **values):
+        values = {"firstRunDone": "1", "chkShowAfter": "0", **values}
         self.folder = pathlib.Path(folder)
         file = self.folder / "kestrum" / "settings.sqlite"
         file.parent.mkdir(parents=True)
@@ -209,6 +211,7 @@ class Desk:
     def __init__(self, *monitors):
         self.room = pathlib.Path(tempfile.mkdtemp(prefix="kestrum-desk."))
         words = [word for monitor in monitors for word in ("--monitor", monitor)]
+        words += ["--settings", str(Settings(self.room / "settings").folder)]
         script = 'env -0 >"$1/env.new"; mv "$1/env.new" "$1/env"; exec sleep 86400'
         self.process = subprocess.Popen(
             [str(ROOT / "tools" / "private-screen"), "--speech", str(ROOT / "samples" / "speech.txt"), *words, "sh",

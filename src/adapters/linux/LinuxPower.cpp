@@ -32,6 +32,7 @@ void LinuxPower::SetExecutionState(std::uint32_t state) {
 
 void LinuxPower::KeepAwake() {
     m_awake = true;
+    m_displayHeld = false;
     AskDesktop();
     AskLoginManager();
     SuspendScreenSaver(true);
@@ -51,7 +52,8 @@ void LinuxPower::AskDesktop() {
     const int result =
         sd_bus_call_method(m_desktop, "org.freedesktop.ScreenSaver", "/org/freedesktop/ScreenSaver",
                            "org.freedesktop.ScreenSaver", "Inhibit", nullptr, nullptr, "ss", kProgram, kReason);
-    if (result < 0) m_trace.Note(u"power: the desktop has no screen saver service");
+    if (result < 0) return m_trace.Note(u"power: the desktop has no screen saver service");
+    m_displayHeld = true;
 }
 
 void LinuxPower::AskLoginManager() {
@@ -78,6 +80,7 @@ void LinuxPower::SuspendScreenSaver(bool suspended) {
     if (!extension || !extension->present) return;
     xcb_discard_reply(m_display.Get(), xcb_screensaver_query_version(m_display.Get(), 1, 1).sequence);
     xcb_screensaver_suspend(m_display.Get(), suspended ? 1 : 0);
+    m_displayHeld = m_displayHeld || suspended;
     m_display.Flush();
 }
 

@@ -20,6 +20,8 @@ class LinuxPower : public host::IPower {
 
     /// Any of the two requirements, together with "continuous", keeps both awake. Waits at most 2 s for each service.
     void SetExecutionState(std::uint32_t state) override;
+    /// The desktop's screen saver service or the X server took the wish; the login manager rules the system alone.
+    bool KeepsDisplayAwake() override { return !m_awake || m_displayHeld; }
 
   private:
     void KeepAwake();
@@ -33,6 +35,7 @@ class LinuxPower : public host::IPower {
     sd_bus* m_desktop = nullptr;  ///< holds the desktop's inhibition while it is open
     Descriptor m_login;           ///< holds the login manager's
     bool m_awake = false;
+    bool m_displayHeld = false;
 };
 
 }  // namespace kestrum::platform

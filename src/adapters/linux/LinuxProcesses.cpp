@@ -4,9 +4,12 @@
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
+#include <systemd/sd-bus.h>
 #include <time.h>
 #include <unistd.h>
 
+#include <cctype>
+#include <cstring>
 #include <string>
 #include <thread>
 
@@ -74,6 +77,33 @@ class SpawnSetup {
     posix_spawnattr_t m_attributes;
 };
 
+/// The file as an address; every byte that is no letter, digit or one of a few marks is written as %XX.
+std::string FileAddress(const std::string& path) {
+    constexpr char kDigits[] = "0123456789ABCDEF", kPlain[] = "/-_.~";
+    std::string address = "file://";
+    for (const char letter : path) {
+        const auto byte = static_cast<unsigned char>(letter);
+        if (std::isalnum(byte) != 0 || std::strchr(kPlain, letter) != nullptr) {
+            address += letter;
+        } else {
+            address += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+        }
+    }
+    return address;
+}
+
+bool AskFileManager(const std::string& path) {
+    constexpr std::uint64_t kTimeoutUs = 5'000'000;  // it may have to be started
+    sd_bus* bus = nullptr;
+    if (sd_bus_open_user(&bus) < 0) return false;
+    sd_bus_set_method_call_timeout(bus, kTimeoutUs);
+    const int result = sd_bus_call_method(bus, "org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
+                                          "org.freedesktop.FileManager1", "ShowItems", nullptr, nullptr, "ass", 1,
+                                          FileAddress(path).c_str(), "");
+    sd_bus_flush_close_unref(bus);
+    return result >= 0;
+}
+
 void SleepMs(long ms) {
     const timespec pause{0, ms * 1'000'000};
     nanosleep(&pause, nullptr);
@@ -112,6 +142,12 @@ bool LinuxProcesses::OpenWithDesktop(const String& target) {
     } catch (const host::Error&) {
         return false;
     }
+}
+
+bool LinuxProcesses::ShowInFolder(const String& file) {
+    if (AskFileManager(host::ToUtf8(file))) return true;
+    const std::size_t end = file.rfind(u'/');
+    return end != String::npos && OpenWithDesktop(end == 0 ? u"/" : file.substr(0, end));
 }
 
 }  // namespace kestrum::platform

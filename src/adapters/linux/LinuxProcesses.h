@@ -13,6 +13,8 @@ class LinuxProcesses : public host::IProcesses {
     [[nodiscard]] std::unique_ptr<host::IProcess> StartShell(const String& commandLine) override;
     /// Asks `xdg-open`. Waits up to half a second for its "there is none".
     bool OpenWithDesktop(const String& target) override;
+    /// Asks the file manager on the session's bus (org.freedesktop.FileManager1); without one opens the folder.
+    bool ShowInFolder(const String& file) override;
     /// None of the services that the rules name exists here.
     String ServiceState(const String&) override { return {}; }
     void StopService(const String&) override {}

@@ -136,12 +136,21 @@ void FormWindow::Sync() {
 }
 
 void FormWindow::SyncAccessKeys() {
-    for (const auto& view : m_views) view->SetAccessKey(StringView::npos, nullptr);
+    for (const auto& view : m_views) view->SetAccessKey(StringView::npos, FieldOf(view->Control()));
     for (const ui::AccessKey& key : ui::AccessKeysOf(m_form)) {
         ControlView* bearer = ViewOf(key.caption);
         ControlView* target = ViewOf(key.target);
         if (bearer && target) bearer->SetAccessKey(key.at, bearer == target ? nullptr : &target->Widget());
     }
+}
+
+/// What a label names: assistive programs tell the one with the other. Null for all else.
+QWidget* FormWindow::FieldOf(const ui::Control& label) const {
+    if (label.Kind() != ui::ControlKind::Label) return nullptr;
+    for (const auto& view : m_views) {
+        if (m_form.LabelOf(view->Control()) == &label) return &view->Widget();
+    }
+    return nullptr;
 }
 
 void FormWindow::SyncStyle() {

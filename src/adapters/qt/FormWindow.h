@@ -44,6 +44,7 @@ class FormWindow : public QWidget {
     void SyncMenu();
     void SyncStyle();
     void SyncAccessKeys();
+    QWidget* FieldOf(const ui::Control& label) const;
     void SyncSize();
     void SyncPlace();
     QPoint CornerOf(const ui::WindowPlace& place) const;

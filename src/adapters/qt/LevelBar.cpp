@@ -1,5 +1,6 @@
 #include "adapters/qt/LevelBar.h"
 
+#include <QAccessible>
 #include <QPainter>
 
 namespace kestrum::qt {
@@ -16,9 +17,12 @@ LevelBar::LevelBar(QWidget* parent) : QWidget(parent) {
 }
 
 void LevelBar::SetBars(int bars, int lit) {
+    if (bars == m_bars && lit == m_lit) return;
     m_bars = bars;
     m_lit = lit;
     update();
+    QAccessibleValueChangeEvent change(this, lit);
+    QAccessible::updateAccessibility(&change);
 }
 
 QSize LevelBar::sizeHint() const {

@@ -10,6 +10,8 @@ class LevelBar : public QWidget {
     explicit LevelBar(QWidget* parent);
 
     void SetBars(int bars, int lit);
+    int Bars() const { return m_bars; }
+    int Lit() const { return m_lit; }
     QSize sizeHint() const override;
 
   protected:

@@ -98,6 +98,13 @@ bool Processes::OpenWithDesktop(const String& target) {
     return true;
 }
 
+bool Processes::ShowInFolder(const String& file) {
+    m_transcript.Add(u"show in folder " + file);
+    if (!desktopOpens) return false;
+    shownInFolder.push_back(file);
+    return true;
+}
+
 std::vector<StartedProcess> Processes::Runs(const String& program) const {
     std::vector<StartedProcess> runs;
     for (const auto& process : started) {

@@ -40,6 +40,7 @@ class Processes : public host::IProcesses {
     /// its only argument.
     std::unique_ptr<host::IProcess> StartShell(const String& commandLine) override;
     bool OpenWithDesktop(const String& target) override;
+    bool ShowInFolder(const String& file) override;
     String ServiceState(const String& service) override { return services.contains(service) ? services[service] : u""; }
     void StopService(const String& service) override;
     String ProgramName(const String& baseName) override { return baseName + m_ending; }
@@ -50,7 +51,7 @@ class Processes : public host::IProcesses {
     std::map<String, String> services;
     /// All that were started, in order.
     std::vector<std::shared_ptr<StartedProcess>> started;
-    std::vector<String> opened;
+    std::vector<String> opened, shownInFolder;
     bool desktopOpens = true;
 
     /// The started processes of this name.

@@ -84,6 +84,7 @@ class NoFileDialog final : public host::IFileDialog {
 class NoPower final : public host::IPower {
   public:
     void SetExecutionState(std::uint32_t) override {}
+    bool KeepsDisplayAwake() override { return true; }
 };
 
 }  // namespace kestrum::app

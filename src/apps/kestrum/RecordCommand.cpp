@@ -7,6 +7,7 @@
 #include "apps/commandline/Texts.h"
 #include "apps/kestrum/Checks.h"
 #include "apps/kestrum/DeadRecorder.h"
+#include "recording/StartAdvice.h"
 
 namespace kestrum::app {
 namespace {
@@ -38,6 +39,8 @@ class Recording {
 
     /// Ends the show, and with it the recording, as its user would.
     void End() {
+        m_ending = true;
+        if (m_session.companion) m_session.companion->Leave();
         host::ResumeNext{m_session.c.host.trace}([this] { m_office.SlideShowWindow(1)->View()->Exit(); });
     }
 
@@ -48,8 +51,10 @@ class Recording {
         m_ran = m_ran || runs;
     }
 
+    bool HasCard() const { return !m_ending && m_session.companion && m_session.companion->HasCard(); }
+
     bool IsOver() {
-        if (m_session.recording.g_Recording) return false;
+        if (m_session.recording.g_Recording || HasCard()) return false;
         std::int32_t shows = 0;
         host::ResumeNext{m_session.c.host.trace}.Set(shows, [this] { return m_office.SlideShowWindowCount(); });
         return shows == 0;
@@ -60,6 +65,7 @@ class Recording {
     SlideAdvance m_advance;
     const bool m_unattended;
     bool m_ran = false;
+    bool m_ending = false;  ///< somebody asked the program to end: nothing is shown any more
 };
 
 std::unique_ptr<impress::ImpressOffice> OpenOffice(ScreenProgram& program, Console& console, const String& deck,
@@ -69,6 +75,11 @@ std::unique_ptr<impress::ImpressOffice> OpenOffice(ScreenProgram& program, Conso
     office->Open(deck);
     office->SelectSlide(from);
     return office;
+}
+
+/// What speaks against starting now, or what is continued; the recording starts all the same.
+void TellAdvice(Console& console, const recording::Context& c, const String& deck) {
+    for (const recording::Advice& advice : recording::StartAdvice(c, deck)) console.Notice(advice.line);
 }
 
 }  // namespace
@@ -86,6 +97,8 @@ int RunRecord(Console& console, const RecordRequest& request) {
     Session session(ports);
     DisarmMarkerOfDeadRecorder(session.c);
     session.Connect();
+    TellAdvice(console, session.c, deck);
+    if (!request.advanceMs) session.Accompany(false);
     Recording recording(session, office->Application(), request);
     int signal = 0;
     const platform::EndSignals endSignals(program.Loop(), [&](int number) {

@@ -28,6 +28,7 @@ class Watch {
     /// Ends the show and the recording with it, and then the watch.
     void End() {
         m_ended = true;
+        if (m_session.companion) m_session.companion->Leave();
         host::ResumeNext{m_session.c.host.trace}([this] { m_office.SlideShowWindow(1)->View()->Exit(); });
         // A message that nobody reads must not keep the program from ending.
         if (ui::Form* message = m_session.c.forms.Find(u"frmMsgBox")) message->Unload();
@@ -73,6 +74,7 @@ int RunWatch(Console& console, const WatchRequest& request) {
     host::Host ports = program.Ports(office->Application());
     Session session(ports);
     session.Connect();
+    session.Accompany(true);
     Watch watch(session, office->Application(), console);
     int signal = 0;
     const platform::EndSignals endSignals(program.Loop(), [&](int number) {
