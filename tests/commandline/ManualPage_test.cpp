@@ -59,18 +59,22 @@ Options Told() {
     return options;
 }
 
-bool Takes(const std::string& command, const std::string& option) {
+/// What the parser says to `command` with `option` behind it, the option's name taken out.
+std::string Answer(const std::string& command, const std::string& option) {
     std::vector<std::string> words{command};
     if (command == "publish") words.push_back("mp4");
     words.push_back(option);
     try {
         ParseCommandLine(words);
     } catch (const UsageError& error) {
-        const std::string sentence = error.what();
-        return sentence.find("has no option") == std::string::npos &&
-               sentence.find("takes nothing") == std::string::npos;
+        return std::regex_replace(std::string(error.what()), std::regex(option), "");
     }
-    return true;
+    return "";
+}
+
+/// An option is taken where the parser does not say what it says to one that nobody has.
+bool Takes(const std::string& command, const std::string& option) {
+    return Answer(command, option) != Answer(command, "--nonesuch");
 }
 
 std::string ManualPage() {
