@@ -30,6 +30,11 @@ endforeach()
 kestrum_link(${KESTRUM_PROGRAMS}/ffmpeg ../../bin/ffmpeg)
 kestrum_link(bin/kestrum ../${KESTRUM_PROGRAMS}/kestrum)
 
+# The menu in Impress, for every user of this machine.
+set(extension lib/libreoffice/share/extensions/kestrum)
+install(DIRECTORY "${KESTRUM_INSTALL_FOLDER}/impress/kestrum/" DESTINATION ${extension} PATTERN lib EXCLUDE)
+install(TARGETS impress_component LIBRARY DESTINATION ${extension}/lib)
+
 install(FILES "${packaging}/desktop/kestrum.desktop" DESTINATION share/applications)
 install(FILES "${packaging}/desktop/kestrum.xml" DESTINATION share/mime/packages)
 install(FILES "${packaging}/desktop/kestrum.thumbnailer" DESTINATION share/thumbnailers)

@@ -1,4 +1,6 @@
 """The Debian package: what is in it, and its life on a machine: installed, used, upgraded, removed."""
+import atexit
+import functools
 import gzip
 import json
 import pathlib
@@ -15,6 +17,14 @@ def version():
     return re.search(r'<kestrum ver="([^"]+)"', (ROOT / "install" / "default.ksp").read_text()).group(1)
 
 
+@functools.lru_cache(maxsize=None)
+def package(*options):
+    """The package; made once for all tests."""
+    folder = pathlib.Path(tempfile.mkdtemp(prefix="kestrum-made."))
+    atexit.register(shutil.rmtree, folder, ignore_errors=True)
+    return build_package(folder, *options)
+
+
 class ContentsTest(unittest.TestCase):
     """One package, unpacked once; each test looks at another side of it."""
 
@@ -22,7 +32,7 @@ class ContentsTest(unittest.TestCase):
     def setUpClass(cls):
         cls.room = pathlib.Path(tempfile.mkdtemp(prefix="kestrum-contents."))
         cls.addClassCleanup(shutil.rmtree, cls.room, ignore_errors=True)
-        cls.package = build_package(cls.room / "made")
+        cls.package = package()
         cls.usr = cls.room / "root" / "usr"
         run("dpkg-deb", "-x", cls.package, cls.room / "root")
 
@@ -58,9 +68,17 @@ class ContentsTest(unittest.TestCase):
                 self.assertTrue(path.exists(), f"{path} leads nowhere")
                 self.assertFalse(path.readlink().is_absolute(), path)
 
+    def test_the_menu_of_impress_is_there_for_every_user(self):
+        folder = self.usr / "lib/libreoffice/share/extensions/kestrum"
+        for name in ("description.xml", "META-INF/manifest.xml", "Addons.xcu", "ProtocolHandler.xcu"):
+            run("xmllint", "--noout", folder / name)
+        self.assertIn(f'<version value="{version()}"/>', (folder / "description.xml").read_text())
+        self.assertTrue((folder / "lib/kestrum.uno.so").is_file())
+
     def test_the_programs_are_stripped(self):
-        for name in ("kestrum", "ksmedia"):
-            self.assertNotIn(".debug_info", run("readelf", "-S", "-W", self.usr / "lib/kestrum" / name).stdout)
+        office = self.usr / "lib/libreoffice/share/extensions/kestrum/lib"
+        for program in (self.usr / "lib/kestrum/kestrum", self.usr / "lib/kestrum/ksmedia", office / "kestrum.uno.so"):
+            self.assertNotIn(".debug_info", run("readelf", "-S", "-W", program).stdout)
 
     def test_menu_entry_and_its_icon(self):
         entry = self.usr / "share/applications/kestrum.desktop"
@@ -198,19 +216,23 @@ class LifeTest(unittest.TestCase):
         self.machine = Machine()
         self.addCleanup(self.machine.remove)
 
-    def made(self, *options):
-        return build_package(self.machine.room / "made", *options)
-
     def recorded(self, deck, first):
         self.machine.on_stage("kestrum", "record", deck, "--advance", "0.5", "--from", str(first))
         return json.loads(self.machine.run("kestrum", "info", "--json", deck.with_suffix(".ktr")).stdout)
 
+    def extensions(self):
+        """What the office of every user has."""
+        profile = f"-env:UserInstallation=file://{self.machine.room}/office"
+        return self.machine.run("unopkg", "list", "--bundled", profile).stdout
+
     def test_installed_used_upgraded_and_removed(self):
         machine = self.machine
         empty = machine.files()
-        machine.dpkg("--install", self.made())
+        machine.dpkg("--install", package())
         self.assertEqual(machine.run("kestrum", "--version").stdout, f"kestrum {version()}\n")
         self.assertIn("kestrum record DECK", machine.run("kestrum", "help").stdout)
+
+        self.assertIn("Identifier: org.kestrum.impress", self.extensions())
 
         deck = machine.home / "lecture.pptx"
         shutil.copy(machine.root / "usr/share/doc/kestrum/examples/lecture.pptx", deck)
@@ -227,7 +249,7 @@ class LifeTest(unittest.TestCase):
         self.assertIn("128 x 72", run("file", picture).stdout)
 
         kept = settings.read_bytes()
-        machine.dpkg("--install", self.made("--version", version() + "+next"))
+        machine.dpkg("--install", package("--version", version() + "+next"))
         state = run("dpkg-query", f"--admindir={machine.root}/var/lib/dpkg", "-W", "-f=${Status} ${Version}", "kestrum")
         self.assertEqual(state.stdout, f"install ok installed {version()}+next")
         self.assertEqual(settings.read_bytes(), kept)
@@ -241,13 +263,12 @@ class LifeTest(unittest.TestCase):
         self.assertTrue(settings.is_file() and deck.with_suffix(".ktr").is_file(), "what is the user's stays")
 
     def test_an_office_that_cannot_be_driven_is_named_at_the_installation(self):
-        package = self.made()
-        self.assertNotIn("cannot drive", self.machine.dpkg("--install", package).stdout)
+        self.assertNotIn("cannot drive", self.machine.dpkg("--install", package()).stdout)
         (self.machine.root / "var/lib/flatpak/app/org.libreoffice.LibreOffice").mkdir(parents=True)
         (self.machine.root / "snap/bin").mkdir(parents=True)
         (self.machine.root / "snap/bin/libreoffice").touch()
         self.assertIn("LibreOffice is also installed as a Flatpak and Snap here. Kestrum cannot drive that one",
-                      self.machine.dpkg("--install", package).stdout)
+                      self.machine.dpkg("--install", package()).stdout)
 
 
 if __name__ == "__main__":
