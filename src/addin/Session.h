@@ -10,13 +10,13 @@ namespace kestrum {
 
 class Session {
   public:
-    /// `host` and its ports outlive the session; so does `surface`, which may be null.
-    explicit Session(host::Host& host, addin::ICommandSurface* surface = nullptr);
+    /// `host` and its ports outlive the session; so do the command bars, which only Office has.
+    explicit Session(host::Host& host, host::ICommandBars* commandBars = nullptr);
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
     /// Connects to the host's application, as the host does when it loads the add-in.
-    void Connect() { addIn.IDTExtensibility2_OnConnection(c.host.app); }
+    void Connect() { addIn.IDTExtensibility2_OnConnection(c.host.app, String(dsrImagePowerPoint::kProgId)); }
     void Disconnect() { addIn.IDTExtensibility2_OnDisconnection(); }
 
     /// A person is there: from now on the session has a companion, which says before, during and after a recording how

@@ -1,13 +1,13 @@
-// The guard sequence in front of the commands, and the commands themselves.
-#include <algorithm>
-
+// The commands that edit, show, set up and upload a lecture.
+#include "addin/MenuTree.h"
 #include "addin/dsrImagePowerPoint.h"
+#include "addin/frmAbout.h"
 #include "devices/frmConfig.h"
 #include "devices/frmDevice.h"
 #include "display/modResolution.h"
-#include "project/modProject.h"
-#include "publish/frmExportMp4.h"
-#include "recording/modCapture.h"
+#include "project/modSlide.h"
+#include "support/frmExecCmd.h"
+#include "support/modExec.h"
 #include "support/modGlobal.h"
 #include "support/modLanguage.h"
 #include "support/modMsgBox.h"
@@ -16,79 +16,113 @@ namespace kestrum {
 
 namespace {
 
-/// What holds for the time of a command: it is busy, and its work folder is gone afterwards.
-class CommandScope {
-  public:
-    CommandScope(const addin::Context& c, bool& busy) : m_c(c), m_busy(busy) { m_busy = true; }
-    ~CommandScope() {
-        if (!m_c.support.workFolder.empty()) modProject::DeleteWorkFolder(m_c);
-        m_busy = false;
-    }
-    CommandScope(const CommandScope&) = delete;
-    CommandScope& operator=(const CommandScope&) = delete;
-
-  private:
-    const addin::Context& m_c;
-    bool& m_busy;
-};
+/// From this version on an upload runs in a process of its own.
+constexpr std::int16_t kFirstWithUploadTool = 15;
 
 }  // namespace
 
-void dsrImagePowerPoint::RunGuarded(Opening opening, const String& question, const std::function<void()>& work) {
-    if (CommandBusy) return;
-    CommandScope scope(m_c, CommandBusy);
-    try {
-        if ((this->*opening)(question)) work();
-    } catch (const host::Error& error) {
-        modMsgBox::MsgBox(m_c, error.Description());
+// --- tools -----------------------------------------------------------------------------------------------------------
+
+String dsrImagePowerPoint::Tool(const String& baseName) {
+    return modGlobal::Join(m_c, m_c.host.installFolder, m_c.host.processes.ProgramName(baseName));
+}
+
+// Preview does not count as busy, so a tool's window may be up.
+bool dsrImagePowerPoint::IsToolRunning() {
+    if (!m_c.forms.IsFormLoaded(u"frmExecCmd")) return false;
+    modMsgBox::MsgBox(m_c, modLanguage::GetResString(m_c, u"frmPPT", u"msgCommandOpen",
+                                                     u"Another command of %p is open. Please close it first!"));
+    return true;
+}
+
+void dsrImagePowerPoint::RunTool(const String& baseName, const std::vector<String>& arguments, const String& title) {
+    if (IsToolRunning()) return;
+    auto& window = m_c.forms.Get<frmExecCmd>(m_c);
+    window.InitCmd(Tool(baseName), arguments, false);
+    window.Load();
+    if (!title.empty()) window.SetCaption(title);
+    window.ShowModal();
+}
+
+void dsrImagePowerPoint::Edit() {
+    RunGuarded({.question = u"Continue editing?"}, [this] {
+        RunTool(u"kseditor", {m_c.support.workFolder, m_c.support.packagePath}, u"");
+    });
+}
+
+void dsrImagePowerPoint::AdvancedEdit() {
+    RunGuarded({.question = u"Continue advanced editing?"}, [this] {
+        RunTool(u"ksAdvEditor", {m_c.support.workFolder, m_c.support.packagePath}, u"");
+    });
+}
+
+// The package goes along: the page in the work folder has no media of its own.
+void dsrImagePowerPoint::Preview() {
+    const String question = modLanguage::GetResString(m_c, u"frmPPT", u"msgContinuePreview", u"Continue previewing?");
+    RunGuarded({.question = question, .countsAsBusy = false}, [this] {
+        modSlide::WriteAbstract(m_c);
+        const String program = m_c.host.processes.ProgramName(u"ksPreviewer");
+        if (!m_c.host.fs.FileExists(Tool(u"ksPreviewer"))) {
+            return modMsgBox::MsgBox(m_c, u"Preview failed! Cannot find \"" + program + u"\"!");
+        }
+        RunTool(u"ksPreviewer",
+                {modGlobal::Join(m_c, m_c.support.workFolder, u"index.html"), m_c.project.g_Project.template_,
+                 m_c.support.packagePath},
+                modLanguage::GetResString(m_c, u"frmPPT", u"msgPreviewOpen",
+                                          u"The preview is open in the browser. Close its page there to go on."));
+    });
+}
+
+// --- upload ----------------------------------------------------------------------------------------------------------
+
+void dsrImagePowerPoint::RunUploadTool(const String& verb, const String& title, StringView command) {
+    if (OfficeMajor < kFirstWithUploadTool || !m_c.host.fs.FileExists(Tool(u"kstool"))) {
+        return SayNotYet(command);
     }
+    RunTool(u"kstool", {verb, m_c.support.workFolder, m_c.support.packagePath}, title);
 }
 
-bool dsrImagePowerPoint::OpenForCommand(const String& question) {
-    if (!modProject::LocateProject(m_c)) return false;
-    const String& package = m_c.support.packagePath;
-    if (!m_c.host.fs.FileExists(package) || m_c.host.ksLib.IsEmptyProject(package) != 0) {
-        if (!m_c.support.workFolder.empty()) modProject::DeleteWorkFolder(m_c);
-        modMsgBox::MsgBox(m_c, modLanguage::GetResString(m_c, u"frmPPT", u"msgNoMedia",
-                                                         u"Nothing has been recorded for this presentation yet!"));
-        return false;
-    }
-    bool continued = false;
-    if (!modProject::OpenProject(m_c, false, continued)) return false;
-    return Confirm(continued, question);
+void dsrImagePowerPoint::Upload() {
+    RunGuarded({.question = u"Continue uploading?", .refusesNetwork = true}, [this] {
+        modSlide::CollectSlideTitles(m_c, false);
+        modSlide::WriteAbstract(m_c);
+        RunUploadTool(u"upload", u"Export", u"mnuUpload");
+    });
 }
 
-// Settings need no media: a presentation that was never recorded gets its project now.
-bool dsrImagePowerPoint::OpenForSettings(const String& question) {
-    if (!modProject::LocateProject(m_c)) return false;
-    return OpenOrMake(!m_c.host.fs.FileExists(m_c.support.packagePath), question);
+void dsrImagePowerPoint::UploadToYouTube() {
+    constexpr std::int32_t kLongestMs = 15 * 60 * 1000;
+    RunGuarded({.question = u"Continue uploading to YouTube?", .refusesNetwork = true}, [this] {
+        if (m_c.host.ksLib.GetLength(m_c.support.packagePath) > kLongestMs) {
+            modMsgBox::MsgBox(m_c,
+                              modLanguage::GetResString(m_c, u"frmYtUpload", u"msg15MinLimit",
+                                                        u"Videos of more than 15 minutes may be refused by the site."));
+        }
+        RunUploadTool(u"ytupload", u"", u"mnuYtUpload");
+    });
 }
 
-// Without media the preferences of the moment count, so an empty project is made anew.
-bool dsrImagePowerPoint::OpenForDevices(const String& question) {
-    if (!modProject::LocateProject(m_c)) return false;
-    const String& package = m_c.support.packagePath;
-    return OpenOrMake(!m_c.host.fs.FileExists(package) || m_c.host.ksLib.IsEmptyProject(package) != 0, question);
+void dsrImagePowerPoint::SayNotYet(StringView command) {
+    const String text = modLanguage::GetResString(m_c, u"frmPPT", u"msgNotYet",
+                                                  u"This version of %p does not have the command \"%s\" yet.");
+    modMsgBox::MsgBox(m_c, modGlobal::Replace(text, u"%s", MenuTree::CaptionOf(m_c, command)));
 }
 
-bool dsrImagePowerPoint::OpenOrMake(bool isNew, const String& question) {
-    if (m_c.support.packagePath.empty()) return true;  // no lecture at hand: the preferences alone
-    bool continued = false;
-    return modProject::OpenProject(m_c, isNew, continued) && Confirm(continued, question);
-}
-
-bool dsrImagePowerPoint::Confirm(bool continued, const String& question) {
-    return !continued || modMsgBox::MsgBox(m_c, question, host::BoxButtons::OkCancel, u"") == host::BoxAnswer::Ok;
-}
+// --- settings --------------------------------------------------------------------------------------------------------
 
 void dsrImagePowerPoint::Configure() {
-    RunGuarded(&dsrImagePowerPoint::OpenForSettings, u"Continue opening configure?",
+    RunGuarded({u"Continue opening configure?", &dsrImagePowerPoint::OpenForSettings},
                [this] { m_c.forms.Get<frmConfig>(m_c).ShowModal(); });
 }
 
 void dsrImagePowerPoint::ConfigureDevices() {
-    RunGuarded(&dsrImagePowerPoint::OpenForDevices, u"Continue opening device settings?",
+    RunGuarded({u"Continue opening device settings?", &dsrImagePowerPoint::OpenForDevices},
                [this] { m_c.forms.Get<frmDevice>(m_c).ShowModal(); });
+}
+
+void dsrImagePowerPoint::ConfigureTemplate() {
+    RunGuarded({u"Continue opening template settings?", &dsrImagePowerPoint::OpenForDevices},
+               [this] { SayNotYet(u"mnuConfigTemplate"); });
 }
 
 // The display belongs to no lecture: nothing is opened for it.
@@ -96,31 +130,22 @@ void dsrImagePowerPoint::ChangeResolution() {
     modResolution::ChangeResolution(m_c);
 }
 
-void dsrImagePowerPoint::PublishToMp4() {
-    RunGuarded(&dsrImagePowerPoint::OpenForCommand, u"Continue publishing to MP4 format?", [this] {
-        if (Mp4IsTooBig()) {
-            modMsgBox::MsgBox(m_c,
-                              modLanguage::GetResString(m_c, u"frmExportMp4", u"msgMp4TooBig",
-                                                        u"The recording is too long for an MP4 file of this size!"));
-            return;
-        }
-        m_c.forms.Get<frmExportMp4>(m_c).ShowModal();
-    });
+// --- help ------------------------------------------------------------------------------------------------------------
+
+// Where paths have backslashes the system's explorer shows pages, elsewhere the desktop knows who does.
+void dsrImagePowerPoint::Help() {
+    const String page = modGlobal::Join(m_c, modGlobal::Join(m_c, m_c.host.installFolder, u"help"), u"index.html");
+    const bool hasExplorer = m_c.host.fs.Separator() == u'\\';
+    const bool opened = hasExplorer ? modExec::ShellExecuteWait(m_c, u"explorer", {page}, false)
+                                    : modExec::ShellExecuteWait(m_c, page, {}, false);
+    if (opened) return;
+    const String text =
+        modLanguage::GetResString(m_c, u"frmPPT", u"msgNoHelp", u"The help cannot be shown. You find it here:\n%s");
+    modMsgBox::MsgBox(m_c, modGlobal::Replace(text, u"%s", page));
 }
 
-// Rates in kbit/s, each to the nearest whole. The output is never taken for more than five times the source's rate.
-bool dsrImagePowerPoint::Mp4IsTooBig() {
-    constexpr double kBitsPerByte = 8, kKilobitsPerPixel = 0.00153;
-    constexpr std::int32_t kMostTimesSource = 5;
-    const String& package = m_c.support.packagePath;
-    std::int32_t length = m_c.host.ksLib.GetLength(package), width = 0, height = 0;
-    m_c.host.ksLib.GetFileHeaderDim(package, width, height);
-    auto size = static_cast<double>(m_c.host.fs.FileSize(package));
-    std::int32_t limit = ToInt32(Div(static_cast<double>(modCapture::kLargestPackage), length) * kBitsPerByte);
-    std::int32_t estimate = ToInt32(width * kKilobitsPerPixel * height);
-    std::int32_t rate = ToInt32(Div(size, length) * kBitsPerByte);
-    std::int32_t most = ToInt32(std::int64_t{kMostTimesSource} * rate);
-    return std::min(estimate, most) > limit;
+void dsrImagePowerPoint::About() {
+    if (!m_c.forms.IsFormLoaded(u"frmAbout")) m_c.forms.Get<frmAbout>(m_c).ShowModal();
 }
 
 }  // namespace kestrum

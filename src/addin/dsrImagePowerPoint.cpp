@@ -14,16 +14,18 @@ namespace kestrum {
 namespace {
 
 constexpr StringView kPowerPointToken = u"tokens\\PowerPoint";
-constexpr StringView kLarkspinToken = u"tokens\\Larkspin";
 constexpr std::int16_t kFirstWithRibbon = 12;
+/// From this version on the customisation file has a format and a name of its own.
+constexpr std::int16_t kFirstWithOfficeUI = 14;
 
 }  // namespace
 
-dsrImagePowerPoint::dsrImagePowerPoint(const addin::Context& c, addin::ICommandSurface* surface)
-    : m_c(c), m_surface(surface) {}
+dsrImagePowerPoint::dsrImagePowerPoint(const addin::Context& c, host::ICommandBars* commandBars)
+    : m_c(c), m_commandBars(commandBars) {}
 
-void dsrImagePowerPoint::IDTExtensibility2_OnConnection(host::IApplication& application) {
+void dsrImagePowerPoint::IDTExtensibility2_OnConnection(host::IApplication& application, const String& progId) {
     host::ResumeNext Try(m_c.host.trace);
+    m_progId = progId;
     m_c.support.applicationTitle = u"Kestrum for PowerPoint";
     m_c.support.g_HostMode = u"PPT";
     Try([&] {
@@ -34,9 +36,7 @@ void dsrImagePowerPoint::IDTExtensibility2_OnConnection(host::IApplication& appl
     Try.Set(m_c.support.g_OsVersion, [&] { return modGlobal::GetOsVersion(m_c); });
     Try([&] { modResolution::SurveyResolution(m_c, 0); });
     Try([&] { ReadOfficeMajor(application); });
-    Try([&] {
-        if (m_surface) m_surface->Install(OfficeMajor);
-    });
+    Try([&] { PutSurfaceUp(); });
     Try([&] { modAddIn::InitFolders(m_c); });
     Try([&] { DisarmStaleMarker(application); });
     Try([&] {
@@ -50,6 +50,29 @@ void dsrImagePowerPoint::ReadOfficeMajor(host::IApplication& application) {
     String version = application.Version();
     OfficeMajor = ToInt16(version.substr(0, version.find(u'.')));
     UseRibbon = OfficeMajor >= kFirstWithRibbon;
+}
+
+// A host that is not Office has neither a customisation file nor command bars.
+void dsrImagePowerPoint::PutSurfaceUp() {
+    if (!m_commandBars) return;
+    if (!UseRibbon) return BuildCommandBarSurface();
+    const String file = OfficeMajor >= kFirstWithOfficeUI ? u"PowerPoint.officeUI" : u"PowerPoint.qat";
+    const String folder = modGlobal::Join(m_c, modGlobal::GetLocalAppDataPath(m_c), u"Microsoft");
+    CustomUIPath = modGlobal::Join(m_c, modGlobal::Join(m_c, folder, u"Office"), file);
+    if (m_c.host.fs.FileExists(CustomUIPath)) {
+        PatchCustomUI(CustomUIPath, OfficeMajor);
+    } else {
+        m_c.host.fs.CopyFile(modGlobal::Join(m_c, m_c.host.installFolder, file), CustomUIPath);
+    }
+}
+
+void dsrImagePowerPoint::TakeSurfaceDown() {
+    if (!m_commandBars) return;
+    if (UseRibbon) {
+        UnpatchCustomUI(CustomUIPath);
+    } else {
+        RemoveCommandBarSurface();
+    }
 }
 
 // The host has just started with no presentation: a marker of a recording is what a crash left. With a presentation
@@ -69,50 +92,9 @@ void dsrImagePowerPoint::IDTExtensibility2_OnDisconnection() {
         });
         // The process holds no folder of a project or of the program open.
         Try([&] { m_c.host.fs.SetCurrentFolder(m_c.host.shell.Environment(u"temp")); });
-        Try([&] {
-            if (m_surface) m_surface->Remove();
-        });
+        Try([&] { TakeSurfaceDown(); });
     }
     Try([&] { m_c.host.power.SetExecutionState(host::kExecutionContinuous); });
-}
-
-void dsrImagePowerPoint::NotesButton(StringView id) {
-    if (!MayRun(id)) return;
-    if (id == u"rec") p_ctlBtnRec_Click();
-    if (id == u"mnuMP4") p_menuPublish2MP4_Click();
-    if (id == u"mnuConfigure") p_menuConfigure_Click();
-    if (id == u"mnuDevice") p_menuCfgDevice_Click();
-    if (id == u"mnuChangeRes") p_menuChangeRes_Click();
-}
-
-bool dsrImagePowerPoint::MayRun(StringView id) {
-    host::ResumeNext Try(m_c.host.trace);
-    auto isLive = [&](StringView section, StringView owner) {
-        return Try.If([&] {
-            return modConfig::GetSetting(m_c, section, u"recording", u"0") == u"1" &&
-                   modGlobal::IsTokenFresh(m_c, owner);
-        });
-    };
-    auto refuseFor = [&](StringView program) {
-        String text = modLanguage::GetResString(m_c, u"frmPPT", u"msgRecording",
-                                                u"A recording is in progress in %s. Please end it first!");
-        modMsgBox::MsgBox(m_c, modGlobal::Replace(text, u"%s", program));
-        return false;
-    };
-    if (isLive(kPowerPointToken, u"PowerPoint")) return refuseFor(u"PowerPoint");
-    bool openElsewhere = Try.If([&] {
-        String package = modGlobal::PackagePathOf(m_c.host.app.ActivePresentation()->FullName());
-        return package == modConfig::GetSetting(m_c, kLarkspinToken, u"project", u"") &&
-               modGlobal::IsTokenFresh(m_c, u"Larkspin");
-    });
-    if (openElsewhere) {
-        modMsgBox::MsgBox(m_c, modLanguage::GetResString(m_c, u"frmPPT", u"msgProjectIsOpen",
-                                                         u"The project of this presentation is open in Kestrum. Please "
-                                                         u"close it there first!"));
-        return false;
-    }
-    bool needsDevices = id == u"mnuDevice" || id == u"mnuConfigure";
-    return !needsDevices || !isLive(kLarkspinToken, u"Larkspin") || refuseFor(u"Kestrum");
 }
 
 }  // namespace kestrum

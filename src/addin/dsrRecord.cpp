@@ -28,9 +28,17 @@ bool dsrImagePowerPoint::HasSelectedSlide() {
     return host::ResumeNext(m_c.host.trace).If([&] { return m_c.host.app.SelectedSlides()->Count() > 0; });
 }
 
+// The open command works on the project that the recording would replace.
+bool dsrImagePowerPoint::IsCommandOpen() {
+    if (!CommandBusy) return false;
+    modMsgBox::MsgBox(m_c, modLanguage::GetResString(m_c, u"frmPPT", u"msgCommandOpen",
+                                                     u"Another command of %p is open. Please close it first!"));
+    return true;
+}
+
 // A press while one is being handled, or while a recording runs, must not reach into the running show.
 void dsrImagePowerPoint::DoRecord() {
-    if (m_recordBusy || m_c.recording.g_Recording) return;
+    if (m_recordBusy || m_c.recording.g_Recording || IsCommandOpen()) return;
     Busy busy(m_recordBusy);
     try {
         Record();

@@ -149,7 +149,10 @@ void SaveProject(const project::Context& c) {
 }
 
 void DeleteWorkFolder(const project::Context& c) {
-    const String& folder = c.support.workFolder;
+    DeleteWorkFolder(c, c.support.workFolder);
+}
+
+void DeleteWorkFolder(const project::Context& c, const String& folder) {
     if (!folder.empty() && folder != c.project.folderToKeep) modGlobal::DeleteFolder(c, folder);
 }
 

@@ -34,6 +34,9 @@ void ApplyTemplateFiles(const project::Context& c);
 /// (folderToKeep of the state). The name stays.
 void DeleteWorkFolder(const project::Context& c);
 
+/// The same for the scratch folder of a command whose place in workFolder another command has taken meanwhile.
+void DeleteWorkFolder(const project::Context& c, const String& folder);
+
 /// Warns about a folder on a removable, network or CD drive. Always true. Re-enters.
 bool WarnDriveType(const project::Context& c, const String& folder);
 

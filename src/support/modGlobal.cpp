@@ -35,4 +35,11 @@ std::int32_t GetOsVersion(const support::Context& c) {
     return c.host.shell.OsVersionCode();
 }
 
+String GetLocalAppDataPath(const support::Context& c) {
+    constexpr std::int32_t kLocalAppData = 28;
+    constexpr std::size_t kLongestPath = 260;
+    const String path = c.host.shell.SpecialFolder(kLocalAppData).substr(0, kLongestPath);
+    return path.substr(0, path.find(u'\0'));
+}
+
 }  // namespace kestrum::modGlobal

@@ -92,5 +92,7 @@ std::int32_t TickDiff(std::int32_t earlier, std::int32_t later);
 bool IsTokenFresh(const support::Context& c, StringView owner);
 /// Version of the system as major * 10 + minor, 63 for 6.3 and later.
 std::int32_t GetOsVersion(const support::Context& c);
+/// The user's folder for data that stays on this computer; at most 260 characters, up to the first NUL.
+String GetLocalAppDataPath(const support::Context& c);
 
 }  // namespace kestrum::modGlobal

@@ -159,6 +159,10 @@ void Node::SetAttribute(StringView name, StringView value) {
     attribute.set_value(Storable(value).c_str());
 }
 
+void Node::RemoveAttribute(StringView name) {
+    Element(m_body).remove_attribute(ToUtf8(name).c_str());
+}
+
 Node Node::Append(StringView name) {
     return Node(Element(m_body).append_child(ToUtf8(name).c_str()).internal_object());
 }

@@ -50,6 +50,8 @@ class Node {
     std::optional<String> Attribute(StringView name) const;
     /// Adds the attribute at the end if it is missing.
     void SetAttribute(StringView name, StringView value);
+    /// Harmless if the element does not have it.
+    void RemoveAttribute(StringView name);
 
     /// A new child element at the end.
     Node Append(StringView name);

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "adapters/sim/Application.h"
+#include "adapters/sim/CommandBars.h"
 #include "adapters/sim/EventLoop.h"
 #include "adapters/sim/Faults.h"
 #include "adapters/sim/FileDialog.h"
@@ -70,6 +71,8 @@ class World {
     FileSystem fs;
     Monitors monitors{transcript};
     Application app{faults, transcript, monitors};
+    /// For a session on Office; one on another host is made without.
+    CommandBars commandBars{faults};
     InputHooks hooks{faults, loop};
     Windows windows{loop, transcript};
     Processes processes;
