@@ -18,6 +18,7 @@ namespace {
 
 /// From this version on an upload runs in a process of its own.
 constexpr std::int16_t kFirstWithUploadTool = 15;
+constexpr char16_t kPreviewer[] = u"ksPreviewer";
 
 }  // namespace
 
@@ -41,6 +42,7 @@ void dsrImagePowerPoint::RunTool(const String& baseName, const std::vector<Strin
     window.InitCmd(Tool(baseName), arguments, false);
     window.Load();
     if (!title.empty()) window.SetCaption(title);
+    if (baseName == kPreviewer) window.LetUserEnd();
     window.ShowModal();
 }
 
@@ -61,15 +63,16 @@ void dsrImagePowerPoint::Preview() {
     const String question = modLanguage::GetResString(m_c, u"frmPPT", u"msgContinuePreview", u"Continue previewing?");
     RunGuarded({.question = question, .countsAsBusy = false}, [this] {
         modSlide::WriteAbstract(m_c);
-        const String program = m_c.host.processes.ProgramName(u"ksPreviewer");
-        if (!m_c.host.fs.FileExists(Tool(u"ksPreviewer"))) {
+        const String program = m_c.host.processes.ProgramName(kPreviewer);
+        if (!m_c.host.fs.FileExists(Tool(kPreviewer))) {
             return modMsgBox::MsgBox(m_c, u"Preview failed! Cannot find \"" + program + u"\"!");
         }
-        RunTool(u"ksPreviewer",
+        RunTool(kPreviewer,
                 {modGlobal::Join(m_c, m_c.support.workFolder, u"index.html"), m_c.project.g_Project.template_,
                  m_c.support.packagePath},
-                modLanguage::GetResString(m_c, u"frmPPT", u"msgPreviewOpen",
-                                          u"The preview is open in the browser. Close its page there to go on."));
+                modLanguage::GetResString(
+                    m_c, u"frmPPT", u"msgPreviewOpen",
+                    u"The preview is open in the browser. Close its page, or this window, to go on."));
     });
 }
 

@@ -29,6 +29,17 @@ void frmExecCmd::InitCmd(const String& command, const std::vector<String>& param
     m_c.support.childWindow = 0;
 }
 
+void frmExecCmd::LetUserEnd() {
+    ui::WindowStyle style = Style();
+    style.closable = true;
+    SetStyle(style);
+}
+
+bool frmExecCmd::OnQueryUnload(ui::CloseReason reason) {
+    if (reason == ui::CloseReason::User && m_process) m_process->Terminate();
+    return true;
+}
+
 void frmExecCmd::OnLoad() {
     modLanguage::ApplyLanguage(m_c, *this);
     m_foreground = true;

@@ -1,5 +1,5 @@
 // Runs a tool while the calling code waits: a modal window without controls that closes when the tool has ended. The
-// user cannot close it before: that would end an editor with its unsaved work.
+// user cannot close it before, which would end an editor with its unsaved work, unless the tool only shows something.
 #pragma once
 
 #include <memory>
@@ -15,6 +15,8 @@ class frmExecCmd : public ui::Form {
 
     /// What ShowModal will run. `useShell` hands the tool to the system and waits without events.
     void InitCmd(const String& command, const std::vector<String>& parameters, bool useShell);
+    /// The user may close the window, which ends the tool. After InitCmd, for that run.
+    void LetUserEnd();
     /// Ends the tool at the next look.
     void Cancel() { m_cancel = true; }
 
@@ -24,6 +26,7 @@ class frmExecCmd : public ui::Form {
   protected:
     void OnLoad() override;
     void OnActivate() override;
+    bool OnQueryUnload(ui::CloseReason reason) override;
     /// Lets go of the tool: one that still runs goes on by itself.
     void OnUnload() override;
 

@@ -39,6 +39,50 @@ TEST_F(Connection, DataFolder_LiesUnderTempWithoutAppData) {
     EXPECT_EQ(session.support.g_AppDataFolder, u"/tmp/user/Larkspin");
 }
 
+TEST_F(Connection, DataFolder_LiesUnderTemp_WhereTheDataFolderDoesNotExist) {
+    world.fs.Remove(u"/home/anna/.local/share");
+    Session session(world.host());
+    session.Connect();
+    EXPECT_EQ(session.support.g_AppDataFolder, u"/tmp/user/Larkspin");
+    EXPECT_TRUE(world.fs.FolderExists(u"/tmp/user/Larkspin"));
+}
+
+TEST_F(Connection, ClearsTheFlagsOfARecording) {
+    Session session(world.host());
+    session.recording.g_RecordRequested = true;
+    session.recording.g_Recording = true;
+    session.Connect();
+    EXPECT_FALSE(session.recording.g_RecordRequested);
+    EXPECT_FALSE(session.recording.g_Recording);
+}
+
+TEST_F(Connection, SystemVersion_IsTheSystemsCode) {
+    world.shell.osVersionCode = 62;
+    Session session(world.host());
+    session.Connect();
+    EXPECT_EQ(session.support.g_OsVersion, 62);
+}
+
+TEST_F(Connection, TemplateThatIsMissing_IsNotReported_AndIsTriedAgain) {
+    Session session(world.host());
+    session.Connect();
+    EXPECT_FALSE(session.addin.g_DefaultProjectDoc);
+    EXPECT_TRUE(world.box.Shown().empty());
+    PutTemplate();
+    session.Connect();
+    EXPECT_TRUE(session.addin.g_DefaultProjectDoc);
+}
+
+TEST_F(Connection, VersionThatIsNoNumber_LeavesTheOldestSurface_AndEverythingElseRuns) {
+    world.app.version = u"beta";
+    Session session(world.host(), &world.commandBars);
+    session.Connect();
+    EXPECT_EQ(session.addIn.OfficeMajor, 0);
+    EXPECT_FALSE(session.addIn.UseRibbon);
+    EXPECT_EQ(world.commandBars.standard.controls.size(), 1U);
+    EXPECT_EQ(world.power.states, std::vector<std::uint32_t>{0x80000003});
+}
+
 TEST_F(Connection, OldHost_HasNoRibbon) {
     world.app.version = u"11.0";
     Session session(world.host());

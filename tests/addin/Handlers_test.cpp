@@ -100,6 +100,27 @@ TEST_F(Handlers, FailureInACommandsOwnWork_IsTold_AndCleansUp) {
     EXPECT_EQ(BoxesOf(u"mnuCompress").size(), 1U);
 }
 
+TEST_F(Handlers, AnyFailingCall_EndsTheCommand_WithoutABusyFlag) {
+    for (const char16_t* id : {u"mnuUpload", u"mnuflash", u"mnuPreview"}) {
+        sim::FaultSweep(u"*", [id](const auto& arm) {
+            test::LectureDesk desk;
+            for (const char16_t* tool : {u"kstool", u"ksPreviewer"}) {
+                desk.world.fs.Put(desk.world.places.installFolder + u"/" + tool, "program");
+                desk.world.processes.programs[tool] = {500, 0, nullptr};
+            }
+            desk.Play().PressRecord().At(5s).PressEscape().At(9s).Run();
+            desk.world.box.AnswerAll();
+            const auto before = desk.world.ksLib.Get(test::LectureDesk::kPackage)->lengthMs;
+            arm(desk.world.faults);
+            desk.session.addIn.NotesButton(id);
+            desk.world.faults.Clear();
+            EXPECT_FALSE(desk.session.addIn.CommandBusy);
+            EXPECT_TRUE(desk.world.presenter.OnScreen().empty());
+            EXPECT_EQ(desk.world.ksLib.Get(test::LectureDesk::kPackage)->lengthMs, before);
+        });
+    }
+}
+
 TEST_F(Handlers, SecondClickWhileAToolRuns_ReturnsAtOnce) {
     RecordTenSeconds();
     Play().At(1ms).Command(u"mnuEdit").At(1s).Command(u"mnuEdit").Command(u"mnuCompress").At(9s).Run();
@@ -204,6 +225,16 @@ TEST_F(Handlers, SecondToolDuringAPreview_IsRefusedInASentence) {
     EXPECT_EQ(Boxes(), Texts{"Another command of Kestrum is open.\r\n\r\nClose it first, then try again."});
     EXPECT_TRUE(world.processes.Runs(u"kseditor").empty());
     ExpectNothingLeft();
+}
+
+TEST_F(Handlers, ClosingThePreviewsWindow_EndsThePreview_ButNobodyClosesAnEditors) {
+    RecordTenSeconds();
+    world.presenter.Do(u"frmExecCmd", u"close", [](ui::Form& form) { EXPECT_TRUE(form.CloseByUser()); }).After(500);
+    EXPECT_TRUE(BoxesOf(u"mnuPreview").empty());
+    ASSERT_EQ(world.processes.Runs(u"ksPreviewer").size(), 1U);
+    world.presenter.Do(u"frmExecCmd", u"close", [](ui::Form& form) { EXPECT_FALSE(form.CloseByUser()); }).After(500);
+    EXPECT_TRUE(BoxesOf(u"mnuEdit").empty());
+    EXPECT_FALSE(world.processes.Runs(u"kseditor").front().terminated);
 }
 
 TEST_F(Handlers, Preview_WithoutItsTool_SaysWhichOneIsMissing) {

@@ -1,6 +1,7 @@
 // Every form of the product, made and loaded with the installed language file: no caption is lost, none is cut.
 #include <set>
 
+#include "addin/frmAbout.h"
 #include "devices/frmConfig.h"
 #include "devices/frmConfigSound.h"
 #include "devices/frmDevice.h"
@@ -44,6 +45,7 @@ class AllFormsTest : public ProductFormsTest {
 TEST_F(AllFormsTest, EveryFormAndEveryCaptionedControl_HasItsText) {
     const devices::Context sound{projectHere, devices};
     const display::Context picture{projectHere, display};
+    ExpectCaptions(forms.Get<frmAbout>(projectHere), {});
     ExpectCaptions(forms.Get<frmConfig>(sound), {u"lAudioQualityHelp", u"lTimeString"});
     ExpectCaptions(forms.Get<frmDevice>(sound), {u"lAudioQualityHelp", u"lTimeString", u"lVideoMsg", u"lVolumeMsg"});
     NoPage page;

@@ -11,6 +11,7 @@
 #include <filesystem>
 
 #include "Places.h"
+#include "addin/frmAbout.h"
 #include "qt/ProductForms.h"
 #include "real/Desktop.h"
 #include "recording/frmMask1.h"
@@ -217,6 +218,22 @@ TEST_F(ProductFormsTest, LinkMessage_OpensItsLinkFromTheKeyboard) {
     });
     modMsgBox::ShowMsgLink(recordHere, u"The lecture is on the server:", u"http://localhost/lecture/7", u"", 0, 0);
     EXPECT_EQ(world.processes.opened, (std::vector<String>{u"http://localhost/lecture/7"}));
+}
+
+TEST_F(ProductFormsTest, About_TellsVersionAndPlaces_AndGoesByEnterAndEscape) {
+    world.fs.Put(InInstall(u"default.ksp"), test::InstallFile("default.ksp"));
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+        auto& about = forms.Get<frmAbout>(projectHere);
+        about.Show();
+        ASSERT_TRUE(PumpUntil([&] { return WindowOf(about).isActiveWindow(); }));
+        Settle();
+        Keep(about);
+        EXPECT_TRUE(about.lVersion.Caption().ends_with(u"8.0"));
+        EXPECT_TRUE(about.lPlaces.Caption().ends_with(u"The program lies in /opt/kestrum."));
+        EXPECT_TRUE(DisplayRect().contains(WindowOf(about).frameGeometry()));
+        QTest::keyClick(&WindowOf(about), key);
+        EXPECT_TRUE(PumpUntil([&] { return !about.IsLoaded(); }));
+    }
 }
 
 TEST_F(ProductFormsTest, Mp4Dialog_IsWorkedByTheKeyboardAlone) {
