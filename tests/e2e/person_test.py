@@ -1,0 +1,80 @@
+"""A person opens a deck in Impress, records it from the menu, publishes it from the menu, and the page plays."""
+import json
+import os
+import pathlib
+import signal
+import time
+import unittest
+
+import stage
+from lecture_test import TITLES
+from person import Person
+from stage import run, verify
+
+VOLUME = "^Volume Setting$"
+PUBLISH = "^Publish to MP4$"
+# Places in the menu, counted without the lines between.
+PUBLISH_ENTRY, MP4_ENTRY = 7, 1
+
+
+class PersonTest(unittest.TestCase):
+    def person(self, *monitors):
+        person = Person(*monitors, pictures=os.environ.get("KESTRUM_PICTURES"))
+        self.addCleanup(person.go_home)
+        return person
+
+    def present(self, person, package=None, before=0):
+        """Three slides with the keyboard, then Escape."""
+        person.wait_for_entries(before + 1, package)
+        person.see("show")
+        for number in (2, 3):
+            time.sleep(1)
+            person.press("Next")
+            person.wait_for_entries(before + number, package)
+        time.sleep(1)
+        person.see("third-slide")
+        person.press("Escape")
+        person.desk.wait_for("the end of the recording", lambda: person.state(package) == "whole")
+        person.see("after")
+
+    def publish(self, person):
+        """Publish > MP4, the dialog's button, and no visit to the page."""
+        person.pick(PUBLISH_ENTRY, MP4_ENTRY)
+        person.wait_for_window(PUBLISH)
+        person.desk.run("xdotool", "windowactivate", "--sync", person.windows(PUBLISH)[-1])
+        person.press("Return")
+        person.answer("^Kestrum for PowerPoint$", "alt+n")
+        if person.windows(PUBLISH):
+            person.answer(PUBLISH, "Escape")
+        return max(person.folder.path.rglob("*.html"), key=lambda page: page.stat().st_mtime)
+
+    def play(self, person, page, entries):
+        out = person.folder.root / f"player-{len(entries)}"
+        out.mkdir()
+        expected = out / "expected.json"
+        expected.write_text(json.dumps({"entries": entries}))
+        run("node", pathlib.Path(__file__).parent / "player.mjs", page, expected, out)
+
+    def test_a_lecture_recorded_and_published_from_the_menu_twice_in_the_same_office(self):
+        person = self.person()
+        person.open(person.folder.deck)
+        person.pick_first()
+        person.answer(VOLUME, "Return")
+        self.present(person)
+        self.assertEqual(person.entries(), TITLES[:3])
+        self.play(person, self.publish(person), TITLES[:3])
+        recorders = person.recorders()
+        self.assertEqual(len(recorders), 1)
+        # The office stands on the slide with which the show ended.
+        person.turn_to(person.folder.deck)
+        person.pick_first()
+        self.present(person, before=3)
+        self.assertEqual(person.entries()[:3], TITLES[:3])
+        self.assertEqual(len(person.entries()), 6)
+        self.play(person, self.publish(person), person.entries())
+        self.assertEqual(person.recorders(), recorders, "one program served both")
+        self.assertEqual(verify(person.folder.package)["state"], "whole")
+        person.turn_to(person.folder.deck)
+        person.press("ctrl+q")
+        person.desk.wait_for("the end of the office", lambda: person.office.poll() is not None)
+        person.desk.wait_for("the end of the recorder", lambda: not person.recorders())
