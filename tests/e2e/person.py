@@ -14,6 +14,11 @@ SEEN_BEFORE = {("Office.Common/Misc", "ShowTipOfTheDay"): "false", ("Office.Comm
                ("Setup/Product", "ooSetupLastVersion"): "7.4"}
 
 
+# Of a window that fills the screen, in pixels: the words of the menu bar, and the middle of a menu's first entry.
+BAR_TOP, BAR_HEIGHT = 24, 10
+FIRST_ENTRY = 48
+
+
 def write_profile(folder):
     """A profile of the office as its user has it after the first day."""
     (folder / "user").mkdir(parents=True)
@@ -39,7 +44,7 @@ class Person:
     """With a deck of their own on a screen of their own."""
 
     def __init__(self, *monitors, pictures=None):
-        self.desk = stage.Desk(*monitors)
+        self.desk = stage.Desk(*monitors, size="1280x720")
         self.folder = stage.Folder("my lectures", "lecture.pptx")
         self.pictures = pathlib.Path(pictures or self.folder.root / "pictures")
         self.pictures.mkdir(parents=True, exist_ok=True)
@@ -90,25 +95,24 @@ class Person:
         return int(width), int(height)
 
     def open_menu(self):
-        """Clicks Kestrum in the menu bar; the place of the list that opens. The keyboard shows where the word is."""
-        width, height = self.screen()
+        """Clicks Kestrum in the menu bar; gives the left edge of the list that opens below it. The keyboard shows first
+        where the word is."""
+        width, _ = self.screen()
         plain = self.see("before-menu")
         title = None
-        while not title:  # of the menu bar, not the list below; the keys go nowhere until the window has them
+        while not title:  # the keys go nowhere until the window has them
             self.press("alt+k")
             time.sleep(1)
-            title = changed_area(plain, self.see("menu-by-key"), (width, 10, 0, 24))
+            title = changed_area(plain, self.see("menu-by-key"), (width, BAR_HEIGHT, 0, BAR_TOP))
         self.press("Escape", "Escape")
-        self.click(title[2] + title[0] // 2, title[3] + title[1] // 2)
+        self.click(title[2] + title[0] // 2, BAR_TOP + BAR_HEIGHT // 2)
         time.sleep(1)
-        box = changed_area(plain, self.see("menu"), (width, height - 60, 0, 38))
-        assert box, "the menu did not open"
-        return box
+        self.see("menu")
+        return title[2]
 
     def pick_first(self):
         """Clicks on the first entry of the menu, Record."""
-        _, _, left, top = self.open_menu()
-        self.click(left + 50, top + 10)
+        self.click(self.open_menu() + 50, FIRST_ENTRY)
 
     def pick(self, *downs):
         """An entry of the menu by its place among the entries; of a list within by its place there."""
@@ -122,9 +126,11 @@ class Person:
         self.press("Return")
 
     def wait_for_window(self, title):
-        self.desk.wait_for(f"the window {title}", lambda: self.windows(title))
-        time.sleep(1)
-        self.see("window")
+        try:
+            self.desk.wait_for(f"the window {title}", lambda: self.windows(title))
+            time.sleep(1)
+        finally:
+            self.see("window")
 
     def answer(self, title, *keys):
         """Presses keys for the window of a title."""
@@ -148,7 +154,10 @@ class Person:
         return json.loads(answer.stdout)["state"] if answer.returncode == 0 else ""
 
     def wait_for_entries(self, count, package=None):
-        self.desk.wait_for(f"{count} entries", lambda: len(self.entries(package)) >= count)
+        try:
+            self.desk.wait_for(f"{count} entries", lambda: len(self.entries(package)) >= count)
+        finally:
+            self.see("entries")
 
     def recorders(self):
         """The programs that serve this office."""

@@ -12,7 +12,10 @@ from person import Person
 from stage import run, verify
 
 VOLUME = "^Volume Setting$"
+CARD = "^Recorded$"
 PUBLISH = "^Publish to MP4$"
+# A box of the office itself, in which the menu says what it cannot do.
+OFFICE_BOX = "^Kestrum$"
 # Places in the menu, counted without the lines between.
 PUBLISH_ENTRY, MP4_ENTRY = 7, 1
 
@@ -33,9 +36,19 @@ class PersonTest(unittest.TestCase):
             person.wait_for_entries(before + number, package)
         time.sleep(1)
         person.see("third-slide")
+        self.end_show(person, package)
+
+    def end_show(self, person, package=None):
         person.press("Escape")
         person.desk.wait_for("the end of the recording", lambda: person.state(package) == "whole")
-        person.see("after")
+        time.sleep(2)
+        if person.windows(CARD):  # what the recorder tells about it
+            person.answer(CARD, "Escape")
+
+    def record_first(self, person):
+        """Record, with the questions that come before the first recording of all."""
+        person.pick_first()
+        person.answer(VOLUME, "Return")
 
     def publish(self, person):
         """Publish > MP4, the dialog's button, and no visit to the page."""
@@ -55,16 +68,23 @@ class PersonTest(unittest.TestCase):
         expected.write_text(json.dumps({"entries": entries}))
         run("node", pathlib.Path(__file__).parent / "player.mjs", page, expected, out)
 
+    def expect_refusal_of_another(self, person):
+        """Never two recorders in one office."""
+        words = pathlib.Path(f"/proc/{person.recorders()[0]}/cmdline").read_text().split("\0")
+        other = person.desk.run(stage.KESTRUM, "attach", "--pipe", words[words.index("--pipe") + 1], check=False)
+        self.assertEqual(other.returncode, 1)
+        self.assertIn("already at work in this office", other.stderr)
+
     def test_a_lecture_recorded_and_published_from_the_menu_twice_in_the_same_office(self):
         person = self.person()
         person.open(person.folder.deck)
-        person.pick_first()
-        person.answer(VOLUME, "Return")
+        self.record_first(person)
         self.present(person)
         self.assertEqual(person.entries(), TITLES[:3])
         self.play(person, self.publish(person), TITLES[:3])
         recorders = person.recorders()
         self.assertEqual(len(recorders), 1)
+        self.expect_refusal_of_another(person)
         # The office stands on the slide with which the show ended.
         person.turn_to(person.folder.deck)
         person.pick_first()
@@ -78,3 +98,31 @@ class PersonTest(unittest.TestCase):
         person.press("ctrl+q")
         person.desk.wait_for("the end of the office", lambda: person.office.poll() is not None)
         person.desk.wait_for("the end of the recorder", lambda: not person.recorders())
+
+    def test_a_killed_program_is_started_anew_and_each_window_has_its_own_lecture(self):
+        person = self.person()
+        other = person.another_deck("other.pptx")
+        person.open(person.folder.deck, other)
+        person.turn_to(person.folder.deck)
+        self.record_first(person)
+        person.wait_for_entries(1)
+        self.end_show(person)
+        first, killed = person.folder.package.read_bytes(), person.recorders()
+        self.assertEqual(len(killed), 1)
+        os.kill(killed[0], signal.SIGKILL)
+        person.answer(OFFICE_BOX, "Return")
+        person.turn_to(other)
+        person.pick_first()
+        person.answer(VOLUME, "Return")
+        package = other.with_suffix(".ktr")
+        person.wait_for_entries(1, package)
+        self.assertEqual(len(person.recorders()), 1)
+        self.assertNotEqual(person.recorders(), killed)
+        # Asked to end, it finishes the recording; the office stays as it is.
+        os.kill(person.recorders()[0], signal.SIGTERM)
+        person.desk.wait_for("the end of the recorder", lambda: not person.recorders())
+        person.see("office-alone")
+        self.assertEqual(verify(package)["state"], "whole")
+        self.assertEqual(person.folder.package.read_bytes(), first)
+        self.assertIsNone(person.office.poll())
+        self.assertEqual(len(person.windows("LibreOffice Impress$")), 2)

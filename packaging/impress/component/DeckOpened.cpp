@@ -1,5 +1,8 @@
-// The job that the office runs when a document has been opened: for a presentation the program is started, so that it
-// is there before a show that is to be recorded automatically. The program ends at once if that is not wanted.
+// The job that the office runs when a document has been opened: for a presentation that a user sees the program is
+// started, so that it is there before a show that is to be recorded automatically. The program ends at once if that is
+// not wanted.
+#include <rtl/process.h>
+
 #include <com/sun/star/beans/NamedValue.hpp>
 #include <com/sun/star/task/XJob.hpp>
 #include <cppuhelper/implbase2.hxx>
@@ -22,12 +25,28 @@ css::uno::Any Value(const NamedValues& values, const char* name) {
     return {};
 }
 
-bool IsPresentation(const NamedValues& arguments) {
+/// The document that was opened; null if it is no presentation.
+Reference<css::frame::XModel> DeckIn(const NamedValues& arguments) {
     NamedValues environment;
     Value(arguments, "Environment") >>= environment;
-    Reference<css::lang::XServiceInfo> model;
+    Reference<css::frame::XModel> model;
     Value(environment, "Model") >>= model;
-    return model.is() && model->supportsService("com.sun.star.presentation.PresentationDocument");
+    const Reference<css::lang::XServiceInfo> info(model, UNO_QUERY);
+    if (!info.is() || !info->supportsService("com.sun.star.presentation.PresentationDocument")) return nullptr;
+    return model;
+}
+
+/// An office that converts files has no user, and a document that another program works with has none.
+bool IsSeen(const Reference<css::frame::XModel>& deck) {
+    for (sal_uInt32 i = 0; i < rtl_getAppCommandArgCount(); ++i) {
+        rtl::OUString word;
+        rtl_getAppCommandArg(i, &word.pData);
+        if (word == "--headless" || word == "--invisible" || word == "--convert-to") return false;
+    }
+    bool hidden = false;
+    for (const auto& argument : deck->getArgs())
+        if (argument.Name == "Hidden") argument.Value >>= hidden;
+    return !hidden;
 }
 
 class DeckOpened : public cppu::WeakImplHelper2<css::task::XJob, css::lang::XServiceInfo> {
@@ -35,7 +54,7 @@ class DeckOpened : public cppu::WeakImplHelper2<css::task::XJob, css::lang::XSer
     explicit DeckOpened(Context context) : m_context(std::move(context)) {}
 
     css::uno::Any SAL_CALL execute(const NamedValues& arguments) override {
-        if (IsPresentation(arguments)) {
+        if (const auto deck = DeckIn(arguments); deck.is() && IsSeen(deck)) {
             OnMainThread(m_context, [commands = Commands::Of(m_context)] { commands->StartForAutomaticRecording(); });
         }
         return {};

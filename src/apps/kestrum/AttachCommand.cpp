@@ -32,17 +32,23 @@ class Attachment {
         host::IEventLoop& loop = m_session.c.host.loop;
         const auto look = loop.StartTimer(u"attachment", kLookMs, host::TimerReentry::Skipped, [this] { Look(); });
         if (!command.empty()) loop.Post([this, command] { m_commands.Pick(command); });
-        loop.RunUntil([this] { return !m_session.recording.g_Recording && (m_ended || !m_office.IsAlive()); });
+        loop.RunUntil([this] { return !m_session.recording.g_Recording && (m_ended || HasNothingLeft()); });
     }
 
     /// Ends the show and the recording with it, and then the attachment. Without a recording a show goes on.
     void End() {
         m_ended = true;
+        if (m_session.companion) m_session.companion->Leave();
         if (!m_session.recording.g_Recording) return;
         host::ResumeNext{m_session.c.host.trace}([this] { m_office.Application().SlideShowWindow(1)->View()->Exit(); });
     }
 
   private:
+    /// The office is gone, and nobody reads about the last recording any more.
+    bool HasNothingLeft() const {
+        return !m_office.IsAlive() && !(m_session.companion && m_session.companion->HasCard());
+    }
+
     // A recording that ended in a fault leaves its marker, which would refuse every command for a minute.
     void Look() {
         const bool recording = m_session.recording.g_Recording;
@@ -69,6 +75,7 @@ int RunAttach(Console& console, const AttachRequest& request) {
     Session session(ports);
     DisarmMarkerOfDeadRecorder(session.c);
     session.Connect();
+    session.Accompany(false);
     Attachment attachment(session, *office);
     int signal = 0;
     const platform::EndSignals endSignals(program.Loop(), [&](int number) {

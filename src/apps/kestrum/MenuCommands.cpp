@@ -37,7 +37,7 @@ MenuCommands::MenuCommands(Session& session, impress::OfficeMenu* menu) : m_sess
 }
 
 void MenuCommands::Pick(const String& id) {
-    if (m_running) return;
+    if (m_running || m_session.addIn.CommandBusy) return;
     m_running = true;
     Show();
     const auto refusal = id == u"rec" ? CheckActiveDeck(m_session.c) : std::nullopt;
@@ -50,15 +50,19 @@ void MenuCommands::Pick(const String& id) {
 }
 
 void MenuCommands::Look() {
-    if (m_looks++ % kSeldom == 0) m_otherRecording = CheckNoRecording(m_session.c).has_value();
+    if (m_looks++ % kSeldom == 0) {
+        m_otherRecording = CheckNoRecording(m_session.c).has_value();
+        m_resolutionOnOffer = m_session.addIn.GetChangeResVisible();
+    }
     Show();
 }
 
 void MenuCommands::Show() {
     if (!m_menu) return;
-    const bool enabled = !m_running && !m_session.recording.g_Recording && !m_otherRecording;
+    const bool busy = m_running || m_session.addIn.CommandBusy;
+    const bool enabled = !busy && !m_session.recording.g_Recording && !m_otherRecording;
     std::map<String, impress::CommandState> states;
-    for (const StringView id : kIds) states[String(id)] = {enabled, true};
+    for (const StringView id : kIds) states[String(id)] = {enabled, id != u"mnuChangeRes" || m_resolutionOnOffer};
     m_menu->Show(states);
 }
 

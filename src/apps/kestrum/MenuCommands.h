@@ -28,6 +28,7 @@ class MenuCommands {
     bool m_running = false;
     std::int32_t m_looks = 0;
     bool m_otherRecording = false;
+    bool m_resolutionOnOffer = true;
     std::unique_ptr<host::ITimer> m_look;
 };
 

@@ -2,10 +2,10 @@
 
 #include "adapters/impress/ImpressOffice.h"
 #include "adapters/linux/EndSignals.h"
-#include "addin/Session.h"
 #include "apps/commandline/Texts.h"
 #include "apps/kestrum/Checks.h"
 #include "apps/kestrum/DeadRecorder.h"
+#include "apps/kestrum/MenuCommands.h"
 
 namespace kestrum::app {
 namespace {
@@ -72,9 +72,11 @@ int RunWatch(Console& console, const WatchRequest& request) {
     office->Open(deck);
 
     host::Host ports = program.Ports(office->Application());
+    const auto slidesDrawnOn = office->Application().Subscribe(program.DrawingBoard());
     Session session(ports);
     session.Connect();
     session.Accompany(true);
+    const MenuCommands commands(session, office->Menu());
     Watch watch(session, office->Application(), console);
     int signal = 0;
     const platform::EndSignals endSignals(program.Loop(), [&](int number) {
