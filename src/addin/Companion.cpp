@@ -28,7 +28,7 @@ Companion::~Companion() {
 }
 
 bool Companion::HasCard() const {
-    return m_publishing || m_c.forms.IsFormLoaded(u"frmRecorded");
+    return m_runs || m_publishing || m_c.forms.IsFormLoaded(u"frmRecorded");
 }
 
 void Companion::Leave() {

@@ -20,7 +20,7 @@ class Companion final : private host::IApplicationEvents {
     Companion(const Companion&) = delete;
     Companion& operator=(const Companion&) = delete;
 
-    /// The card about the last recording is up, or a dialog that was opened from it.
+    /// The card about a recording is up or still to come, or a dialog that was opened from it is up.
     bool HasCard() const;
     /// Takes the card away: the program ends.
     void Leave();

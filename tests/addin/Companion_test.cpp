@@ -218,6 +218,16 @@ TEST_F(CompanionTest, Card_TellsLengthSlidesAndSound) {
     EXPECT_EQ(Card()->DefaultButton(), &Card()->cmdPlay);
 }
 
+TEST_F(CompanionTest, Card_IsAwaited_FromTheVeryEndOfTheShow) {
+    Play().PressRecord().At(10s).PressEscape().Do([this] { EXPECT_TRUE(session.companion->HasCard()); }).Run();
+    Play().At(1s).Do([this] { EXPECT_NE(Card(), nullptr); }).Run();
+    Card()->PressEscape();
+    EXPECT_FALSE(session.companion->HasCard());
+    Set(u"chkShowAfter", u"0");
+    Record();
+    EXPECT_FALSE(session.companion->HasCard());
+}
+
 TEST_F(CompanionTest, Card_OfAContinuedLecture_TellsWhatWasAdded) {
     Record(70s);
     Record(30s);

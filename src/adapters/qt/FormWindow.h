@@ -29,6 +29,8 @@ class FormWindow : public QWidget {
     void PaintNow();
     /// The native window of a picture; 0 if it is not of this form.
     WId Surface(const ui::Picture& picture);
+    /// A window without a frame that only tells something.
+    bool IsNotice() const { return m_form.Style().borderless; }
     /// Stays above whatever other programs open; see QtPresenter.
     bool IsPinned() const { return m_pinned; }
 

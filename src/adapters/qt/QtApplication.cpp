@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "adapters/qt/LevelBarAccess.h"
+#include "adapters/qt/AccessibleWidgets.h"
 #include "adapters/qt/Look.h"
 #include "adapters/qt/XcbDisplay.h"
 
@@ -65,7 +65,7 @@ QtApplication::QtApplication(int& argc, char** argv) : m_application(PrepareEnvi
     QCoreApplication::setAttribute(Qt::AA_DontCreateNativeWidgetSiblings);
     QApplication::setQuitOnLastWindowClosed(false);
     ApplyLook(m_application);
-    MakeLevelBarsAccessible();
+    MakeWidgetsAccessible();
     m_application.installEventFilter(new Marker(&m_application));
 }
 

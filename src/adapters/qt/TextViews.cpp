@@ -140,6 +140,7 @@ class LinkView : public ControlView {
   public:
     LinkView(ui::Link& control, QLabel* widget, const PostAct& post)
         : ControlView(control, widget), m_model(control), m_view(*widget) {
+        m_view.setObjectName(kLinkText);
         m_view.setTextFormat(Qt::RichText);
         m_view.setTextInteractionFlags(Qt::LinksAccessibleByMouse);
         m_view.setFocusPolicy(Qt::StrongFocus);

@@ -21,7 +21,7 @@ class Watch {
     void Run() {
         host::IEventLoop& loop = m_session.c.host.loop;
         const auto look = loop.StartTimer(u"watch", kLookMs, host::TimerReentry::Skipped, [this] { Look(); });
-        loop.RunUntil([this] { return !m_session.recording.g_Recording && (m_ended || IsClosed()); });
+        loop.RunUntil([this] { return !m_session.recording.g_Recording && (m_ended || (IsClosed() && !HasCard())); });
         Look();
     }
 
@@ -35,6 +35,9 @@ class Watch {
     }
 
   private:
+    /// The card about the last recording is being read.
+    bool HasCard() const { return m_session.companion && m_session.companion->HasCard(); }
+
     bool IsClosed() {
         std::int32_t open = 0;
         host::ResumeNext{m_session.c.host.trace}.Set(open, [this] { return m_office.PresentationCount(); });
