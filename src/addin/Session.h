@@ -21,7 +21,10 @@ class Session {
 
     /// A person is there: from now on the session has a companion, which says before, during and after a recording how
     /// it stands. `everyShow`: a show of any presentation tells that it is not being recorded.
-    void Accompany(bool everyShow) { companion = std::make_unique<Companion>(c, addIn, everyShow); }
+    void Accompany(bool everyShow) {
+        companion.reset();  // one at a time holds the add-in's ear
+        companion = std::make_unique<Companion>(c, addIn, everyShow);
+    }
 
     support::State support;
     project::State project;

@@ -202,6 +202,9 @@ TEST_F(CompanionTest, ShowOfAnyDeck_SaysSo_WhereTheProgramWasStartedForIt) {
     NoteLines();
     Play().StartShow().At(2s).PressEscape().At(5s).Run();
     EXPECT_EQ(lines.size(), 1U);
+    world.power.keepsDisplayAwake = false;
+    Record();
+    EXPECT_EQ(lines.size(), 2U) << "it has taken the place of the one before";
 }
 
 // --- after ---------------------------------------------------------------------------------------------------------

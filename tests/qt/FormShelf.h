@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "addin/frmAbout.h"
 #include "addin/frmRecorded.h"
 #include "devices/frmConfig.h"
 #include "devices/frmConfigSound.h"
@@ -61,6 +62,7 @@ inline void ForEachForm(const addin::Context& c, NoPage& page, const std::functi
     look(forms.Get<frmTopmost>(c));
     look(forms.Get<frmExportMp4>(publishing));
     look(forms.Get<frmRecorded>(c));
+    look(forms.Get<frmAbout>(c));
 }
 
 }  // namespace kestrum::test
