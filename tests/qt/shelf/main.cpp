@@ -50,6 +50,9 @@ void Fill(ui::Form& form) {
     form.Load();
     if (form.Caption().empty()) form.SetCaption(u"Kestrum");
     FillLabel(form, u"lMsg", u"The recording has no sound.");
+    for (ui::Control* control : form.Controls()) {
+        if (auto* link = dynamic_cast<ui::Link*>(control)) link->SetCaption(u"https://example.org/help");
+    }
     form.SetPlace({ui::StartPosition::CentreScreen, 0, 0, form.Place().width, form.Place().height});
     form.Show();
 }
