@@ -43,8 +43,8 @@ def changed_area(before, after, area):
 class Person:
     """With a deck of their own on a screen of their own."""
 
-    def __init__(self, *monitors, pictures=None):
-        self.desk = stage.Desk(*monitors, size="1280x720")
+    def __init__(self, *monitors, pictures=None, **settings):
+        self.desk = stage.Desk(*monitors, size="1280x720", **settings)
         self.folder = stage.Folder("my lectures", "lecture.pptx")
         self.pictures = pathlib.Path(pictures or self.folder.root / "pictures")
         self.pictures.mkdir(parents=True, exist_ok=True)

@@ -21,28 +21,27 @@ PUBLISH_ENTRY, MP4_ENTRY = 7, 1
 
 
 class PersonTest(unittest.TestCase):
-    def person(self, *monitors):
-        person = Person(*monitors, pictures=os.environ.get("KESTRUM_PICTURES"))
+    def person(self, **settings):
+        person = Person(pictures=os.environ.get("KESTRUM_PICTURES"), **settings)
         self.addCleanup(person.go_home)
         return person
 
-    def present(self, person, package=None, before=0):
+    def present(self, person, before=0):
         """Three slides with the keyboard, then Escape."""
-        person.wait_for_entries(before + 1, package)
+        person.wait_for_entries(before + 1)
         person.see("show")
         for number in (2, 3):
             time.sleep(1)
             person.press("Next")
-            person.wait_for_entries(before + number, package)
+            person.wait_for_entries(before + number)
         time.sleep(1)
         person.see("third-slide")
-        self.end_show(person, package)
+        self.end_show(person)
 
-    def end_show(self, person, package=None):
+    def end_show(self, person, card=False):
         person.press("Escape")
-        person.desk.wait_for("the end of the recording", lambda: person.state(package) == "whole")
-        time.sleep(2)
-        if person.windows(CARD):  # what the recorder tells about it
+        person.desk.wait_for("the end of the recording", lambda: person.state() == "whole")
+        if card:
             person.answer(CARD, "Escape")
 
     def record_first(self, person):
@@ -100,13 +99,13 @@ class PersonTest(unittest.TestCase):
         person.desk.wait_for("the end of the recorder", lambda: not person.recorders())
 
     def test_a_killed_program_is_started_anew_and_each_window_has_its_own_lecture(self):
-        person = self.person()
+        person = self.person(chkShowAfter="1")
         other = person.another_deck("other.pptx")
         person.open(person.folder.deck, other)
         person.turn_to(person.folder.deck)
         self.record_first(person)
         person.wait_for_entries(1)
-        self.end_show(person)
+        self.end_show(person, card=True)
         first, killed = person.folder.package.read_bytes(), person.recorders()
         self.assertEqual(len(killed), 1)
         os.kill(killed[0], signal.SIGKILL)
@@ -126,3 +125,12 @@ class PersonTest(unittest.TestCase):
         self.assertEqual(person.folder.package.read_bytes(), first)
         self.assertIsNone(person.office.poll())
         self.assertEqual(len(person.windows("LibreOffice Impress$")), 2)
+
+    def test_a_show_started_by_hand_is_recorded_if_that_is_switched_on(self):
+        person = self.person(chkAutoRecord="1", chkLowVolDetect="0")
+        person.open(person.folder.deck)
+        person.desk.wait_for("the recorder", person.recorders)
+        time.sleep(2)
+        person.press("F5")
+        self.present(person)
+        self.assertEqual(person.entries(), TITLES[:3])

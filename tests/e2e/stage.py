@@ -208,10 +208,10 @@ class Recording:
 class Desk:
     """A private screen with the monitors named (tools/xorg-monitors) that stays; a test works on it with the keyboard."""
 
-    def __init__(self, *monitors, size="1920x1080"):
+    def __init__(self, *monitors, size="1920x1080", **settings):
         self.room = pathlib.Path(tempfile.mkdtemp(prefix="kestrum-desk."))
         words = [word for monitor in monitors for word in ("--monitor", monitor)] or ["--size", size]
-        words += ["--settings", str(Settings(self.room / "settings").folder)]
+        words += ["--settings", str(Settings(self.room / "settings", **settings).folder)]
         script = 'env -0 >"$1/env.new"; mv "$1/env.new" "$1/env"; exec sleep 86400'
         self.process = subprocess.Popen(
             [str(ROOT / "tools" / "private-screen"), "--speech", str(ROOT / "samples" / "speech.txt"), *words, "sh",
