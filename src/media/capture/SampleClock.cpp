@@ -15,7 +15,7 @@ constexpr int kGapBlocks = 3;
 // Sound and picture may be apart by this much before the sample rate is bent, and by the second before it is bent
 // harder; a lack as large as the second that stays the same for a second is filled with silence at once. It comes from
 // servers that tell a wrong latency while a source starts.
-constexpr double kDriftSeconds = 0.010;
+constexpr double kDriftSeconds = 0.004;
 constexpr double kDisplacedSeconds = 0.030;
 constexpr double kSteadySeconds = 0.010;
 // Weight of a new block in the smoothed error: with 20 ms blocks it follows within about a second.
@@ -69,11 +69,11 @@ bool SampleClock::IsSteady(std::int64_t errorFrames, std::size_t frames) {
 }
 
 int SampleClock::Correction(std::size_t frames) {
-    m_sinceCorrection += frames;
+    m_sinceCorrection = std::min(m_sinceCorrection + frames, 2 * kFramesPerCorrection);
     const double apart = std::abs(m_drift);
     if (m_sinceCorrection < kFramesPerCorrection || frames < 4U * kHardCorrection) return 0;
     if (apart <= kDriftSeconds * m_rate) return 0;
-    m_sinceCorrection = 0;
+    m_sinceCorrection -= kFramesPerCorrection;
     const int strength = apart > kDisplacedSeconds * m_rate ? kHardCorrection : kGentleCorrection;
     return m_drift > 0 ? strength : -strength;
 }
