@@ -5,6 +5,7 @@
 
 #include <limits>
 
+#include "PackageSamples.h"
 #include "media/package/Package.h"
 #include "real/ChildProcess.h"
 
@@ -63,6 +64,20 @@ TEST_F(CaptureFeeder, DiskWithoutRoom_IsAState_AndMediaGoOn) {
     feeder->PushVideo(0, true, Sample());
     feeder->Finish(100);
     EXPECT_EQ(KeyFrames(Path()).size(), 1U);
+}
+
+TEST_F(CaptureFeeder, AJournalWhosePictureIsThere_IsNotKeptOutByLaterOnes) {
+    WriteStored(Path(), {{kProjectFileName, test::ProjectFile({})}});
+    auto feeder = Open({});
+    feeder->PushVideo(0, true, Sample());
+    feeder->PushVideo(70, true, Sample());
+    EXPECT_TRUE(feeder->PushJournal(test::JournalOf({70}), 70));
+    const bool isThere = real::WaitFor([&] {
+        feeder->PushJournal(test::JournalOf({70, 90000}), 90000);  // slides that are turned quickly
+        return test::IndexOf(*ReadStored(Path()).at(kProjectFileName)).find("|70") != std::string::npos;
+    });
+    EXPECT_TRUE(isThere);
+    feeder->Finish(100);
 }
 
 TEST_F(CaptureFeeder, EnoughRoom_IsNoState) {

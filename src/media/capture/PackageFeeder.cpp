@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
+#include <deque>
 #include <mutex>
 #include <new>
 #include <optional>
@@ -18,7 +19,8 @@
 namespace kestrum::media {
 namespace {
 
-constexpr auto kFlushInterval = std::chrono::milliseconds(100);
+// With the time that the sound takes through its server and its encoder, a kill costs less than 100 ms.
+constexpr auto kFlushInterval = std::chrono::milliseconds(50);
 constexpr std::int64_t kSyncNs = 3 * kNsPerSecond;
 constexpr std::int64_t kRoomCheckNs = 2 * kNsPerSecond;
 constexpr std::int64_t kJournalPatienceNs = kNsPerSecond;
@@ -71,7 +73,7 @@ class PackageFeeder::Impl {
     bool PushJournal(std::string text, std::int64_t afterMs) {
         const std::lock_guard lock(m_mutex);
         if (m_isBroken) return false;
-        m_journal = Journal{std::move(text), afterMs, MonotonicNs() + kJournalPatienceNs};
+        m_journals.push_back({std::move(text), afterMs, MonotonicNs() + kJournalPatienceNs});
         return true;
     }
 
@@ -183,17 +185,21 @@ class PackageFeeder::Impl {
         return std::exchange(m_waiting, {});
     }
 
+    /// Of the journals that wait the last one whose picture is there: it holds those before it. A later one must not
+    /// keep it out of the file.
     void WriteJournalIfDue(bool atEnd) {
-        std::string text;
+        std::optional<std::string> text;
         {
             const std::lock_guard lock(m_mutex);
-            if (!m_journal) return;
-            const bool isDue = atEnd || m_lastVideoMs >= m_journal->afterMs || MonotonicNs() >= m_journal->latestNs;
-            if (!isDue) return;
-            text = std::move(m_journal->text);
-            m_journal.reset();
+            const std::int64_t now = MonotonicNs();
+            while (!m_journals.empty()) {
+                Journal& first = m_journals.front();
+                if (!atEnd && m_lastVideoMs < first.afterMs && now < first.latestNs) break;
+                text = std::move(first.text);
+                m_journals.pop_front();
+            }
         }
-        m_writer->WriteJournal(text);
+        if (text) m_writer->WriteJournal(*text);
     }
 
     void SyncIfDue() {
@@ -230,7 +236,7 @@ class PackageFeeder::Impl {
     std::vector<Sample> m_waiting;
     std::size_t m_videoBytes = 0;
     std::size_t m_audioBytes = 0;
-    std::optional<Journal> m_journal;
+    std::deque<Journal> m_journals;  ///< each holds the entries of those before it
     std::int64_t m_writtenMs;
     EncoderState m_state = EncoderState::kRunning;
     bool m_isBroken = false;
