@@ -1,16 +1,12 @@
 // What a picture of a lecture costs that changed little: time, bits, closeness to the source. The peer is x264 with the
 // recorder's own settings, told which macroblocks rest; each content is encoded by both in turns.
-extern "C" {
-#include <libavcodec/avcodec.h>
-}
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <ctime>
 #include <functional>
-#include <memory>
 
+#include "media/StreamDecoder.h"
 #include "media/capture/ColourConvert.h"
 #include "media/capture/VideoEncoder.h"
 
@@ -120,48 +116,19 @@ struct Cost {
     double noise = 0;  ///< mean square of the differences, of the changed macroblocks
 };
 
-/// What a player makes of the samples.
-class Player {
-  public:
-    explicit Player(const Bytes& avcC) {
-        m_context.reset(avcodec_alloc_context3(avcodec_find_decoder(AV_CODEC_ID_H264)));
-        m_context->extradata = static_cast<std::uint8_t*>(av_mallocz(avcC.size() + AV_INPUT_BUFFER_PADDING_SIZE));
-        std::copy(avcC.begin(), avcC.end(), m_context->extradata);
-        m_context->extradata_size = static_cast<int>(avcC.size());
-        m_context->flags |= AV_CODEC_FLAG_LOW_DELAY;
-        m_context->thread_count = 1;
-        avcodec_open2(m_context.get(), nullptr, nullptr);
-    }
-    double Noise(std::span<const std::uint8_t> sample, const I420Picture& source, const ChangeMap& changes) {
-        Bytes padded(sample.begin(), sample.end());
-        padded.resize(padded.size() + AV_INPUT_BUFFER_PADDING_SIZE);
-        std::unique_ptr<AVPacket, void (*)(AVPacket*)> packet(av_packet_alloc(),
-                                                              [](AVPacket* one) { av_packet_free(&one); });
-        packet->data = padded.data();
-        packet->size = static_cast<int>(sample.size());
-        avcodec_send_packet(m_context.get(), packet.get());
-        if (avcodec_receive_frame(m_context.get(), m_frame.get()) < 0) return 1e9;
-        double sum = 0, count = 1e-9;
-        for (int y = 0; y < kHeight; ++y) {
-            for (int x = 0; x < kWidth; ++x) {
-                if (!changes.IsChanged(x / kBlock, y / kBlock)) continue;
-                const double off = m_frame->data[0][y * m_frame->linesize[0] + x] -
-                                   source.luma[static_cast<std::size_t>(y * source.lumaStride + x)];
-                sum += off * off;
-                ++count;
-            }
+double Noise(const AVFrame& shown, const I420Picture& source, const ChangeMap& changes) {
+    double sum = 0, count = 1e-9;
+    for (int y = 0; y < kHeight; ++y) {
+        for (int x = 0; x < kWidth; ++x) {
+            if (!changes.IsChanged(x / kBlock, y / kBlock)) continue;
+            const double off = shown.data[0][y * shown.linesize[0] + x] -
+                               source.luma[static_cast<std::size_t>(y * source.lumaStride + x)];
+            sum += off * off;
+            ++count;
         }
-        return sum / count;
     }
-
-  private:
-    struct Free {
-        void operator()(AVCodecContext* context) const { avcodec_free_context(&context); }
-        void operator()(AVFrame* frame) const { av_frame_free(&frame); }
-    };
-    std::unique_ptr<AVCodecContext, Free> m_context;
-    std::unique_ptr<AVFrame, Free> m_frame{av_frame_alloc()};
-};
+    return sum / count;
+}
 
 /// One encoder with its player; the cost of the pictures so far.
 class Candidate {
@@ -173,18 +140,25 @@ class Candidate {
         const std::clock_t begin = std::clock();
         const EncodedPicture encoded = m_encoder.Encode(picture, changes, key);
         const double ms = 1000.0 * static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
-        const double noise = m_player.Noise(encoded.sample, picture, changes);
+        const AVFrame* shown = m_player.Decode(encoded.sample);
+        const double noise = shown ? Noise(*shown, picture, changes) : 1e9;
         if (key) return;
         cost.milliseconds += ms / kPictures;
         cost.bytes += static_cast<double>(encoded.sample.size()) / kPictures;
         cost.noise += noise / kPictures;
     }
 
+    /// So long that it is not the time after a new slide any more.
+    void Rest(const I420Picture& picture) {
+        for (int i = 0; i < 3 * kRate; ++i)
+            m_player.Decode(m_encoder.Encode(picture, ChangeMap(kWidth, kHeight), false).sample);
+    }
+
     Cost cost;
 
   private:
     VideoEncoder m_encoder;
-    Player m_player;
+    test::StreamDecoder m_player;
 };
 
 double Decibel(double noise) {
@@ -195,7 +169,10 @@ void Measure(const Content& content) {
     const Stage slide;
     Stage stage;
     Candidate own(true), peer(false);
-    for (Candidate* one : {&own, &peer}) one->Take(stage.Picture(), stage.changes, true);
+    for (Candidate* one : {&own, &peer}) {
+        one->Take(stage.Picture(), stage.changes, true);
+        one->Rest(stage.Picture());
+    }
     for (int i = 1; i <= kPictures; ++i) {
         stage.changes.Clear();
         content.draw(stage, slide, i);

@@ -23,7 +23,8 @@ constexpr double kBitsPerPixel = 4.0;
 // Up to this share of the macroblocks a change is small: there our own writer is faster by far, and near the share of
 // bits that x264 saves.
 constexpr std::size_t kSmallShare = 10;
-// After two big changes within this time x264 goes on for as long, since the next one would be a key frame.
+// After a key frame that was asked for, as a rule a new slide that may come with an animation, and after two big
+// changes within this time, x264 goes on for as long, since the next big one would be a key frame.
 constexpr int kHoldSeconds = 2;
 
 int LevelFor(int width, int height) {
@@ -104,7 +105,7 @@ class VideoEncoder::Impl {
         const EncodedPicture encoded = EncodeWhole(picture, changes, key || m_isAfterSmall);
         m_isAfterSmall = false;
         const bool isSoon = m_picturesSinceBig < m_holdPictures;
-        m_isBusy = !key && isSoon && (m_isBusy || !isSmall);
+        m_isBusy = key || (isSoon && (m_isBusy || !isSmall));
         if (key || !isSmall) m_picturesSinceBig = 0;
         return encoded;
     }
@@ -203,7 +204,7 @@ class VideoEncoder::Impl {
     std::uint32_t m_picturesSinceKey = 0;
     std::optional<h264::SmallPictureWriter> m_small;  ///< nothing if x264 has to write all pictures
     bool m_isAfterSmall = false;                      ///< the last picture was a small one
-    bool m_isBusy = false;                            ///< big changes came soon after each other
+    bool m_isBusy = false;                            ///< another big change is likely
     int m_picturesSinceBig = 0;
     int m_holdPictures = 0;
     bool m_headersInKeyFrames = false;
