@@ -101,8 +101,9 @@ class WatchTest(unittest.TestCase):
         self.watch(chkAutoRecord="1", chkStartPen="1")
         self.start_show()
         time.sleep(1)
-        self.act("xdotool", "mousemove", "200", "600", "mousedown", "1", "mousemove", "500", "600", "mousemove", "800",
-                 "620", "mouseup", "1")
+        # At a hand's speed: the office joins motions that come all at once.
+        self.act("xdotool", "mousemove", "200", "600", "sleep", "0.3", "mousedown", "1", "sleep", "0.3", "mousemove", "500",
+                 "600", "sleep", "0.3", "mousemove", "800", "620", "sleep", "0.3", "mouseup", "1")
         time.sleep(1)
         picture = self.folder.root / "pen.png"
         self.act("import", "-window", "root", picture)

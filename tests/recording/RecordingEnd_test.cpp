@@ -202,7 +202,7 @@ TEST_F(Lecture, SecondPressOfRecord_IsRefusedWhileTheRecordingLives) {
 
 TEST_F(Lecture, ToolbarPressDuringARecording_CannotEndItsSession) {
     world.faults.FailCall(u"app.GotoSlide", 2, sim::ForEver);
-    Play().PressRecord().At(5s).Do([this] { session.addIn.p_ctlBtnRec_Click(); }).At(9s).PressEscape().At(20s).Run();
+    Play().PressRecord().At(5s).Do([this] { session.addIn.DoRecord(); }).At(9s).PressEscape().At(20s).Run();
     EXPECT_EQ(StoredEntries(), Texts{"0 Welcome"});
     EXPECT_FALSE(world.ksLib.Get(kPackage)->torn);
     ExpectAtRest();
