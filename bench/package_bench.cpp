@@ -40,7 +40,8 @@ double Median(int runs, const std::function<void()>& work) {
 }
 
 void Run(const std::string& command) {
-    if (std::system((command + " >/dev/null 2>&1").c_str()) != 0) std::fprintf(stderr, "failed: %s\n", command.c_str());
+    if (std::system(("{ " + command + "; } >/dev/null 2>&1").c_str()) != 0)
+        std::fprintf(stderr, "failed: %s\n", command.c_str());
 }
 
 Bytes Project(std::size_t entries) {
@@ -69,7 +70,7 @@ void Make(const std::string& path) {
     const Bytes avcC = VideoEncoder({1920, 1080, 10, false}).AvcC();
     writer->SetTracks({{1920, 1080, avcC}, std::nullopt});
     Write(*writer, 0, kSeconds, random);
-    writer->Close();
+    writer->Close(kSeconds * 1000);
 }
 
 void Tell(const char* what, double own, double peer, const char* peerName) {
@@ -112,7 +113,7 @@ void Measure(const fs::path& folder) {
         std::mt19937 random(2);
         const auto writer = PackageWriter::Open(path);
         Write(*writer, writer->StartMs(), 60, random);
-        writer->Close();
+        writer->Close(writer->StartMs() + 60'000);
     });
     Tell("another minute appended", append,
          Milliseconds([&] { Run("mkvmerge -o " + copy + " " + other + " && sync " + copy); }),
