@@ -13,11 +13,17 @@ namespace {
 constexpr int kShadowReach = 40;
 // Past this many parts it is cheaper to take all.
 constexpr std::size_t kMostParts = 8;
+// A window that is dragged leaves more old places than are worth telling apart.
+constexpr std::size_t kMostPast = 32;
 // A compositor that fades a window out is done by then.
 constexpr std::int64_t kPastNs = kNsPerSecond;
 
 Area Grown(const Area& area, int by) {
     return {area.x - by, area.y - by, area.width + 2 * by, area.height + 2 * by};
+}
+
+void Append(Areas& areas, const Areas& more) {
+    areas.insert(areas.end(), more.begin(), more.end());
 }
 
 }  // namespace
@@ -34,36 +40,46 @@ void OwnWindows::Handle(const xcb_generic_event_t& event) {
 Areas OwnWindows::Update(bool again) {
     const bool moved = m_stack.IsStale() || (again && !m_hidden.empty());
     if (!moved && m_past.empty()) return {};
-    if (moved) m_stack.Read();
-    const Areas before = std::exchange(m_hidden, PlacesNow());
-    KeepPast(Subtract(before, m_hidden));
+    if (moved) FindPlaces();
+    ForgetPast();
+    const Areas before = std::exchange(m_hidden, m_places);
     for (const Past& past : m_past) m_hidden.push_back(past.place);
     if (moved || m_hidden != before) Follow();
     return Subtract(before, m_hidden);
 }
 
-Areas OwnWindows::PlacesNow() const {
-    Areas places;
+void OwnWindows::FindPlaces() {
+    m_stack.Read();
+    Areas past = std::exchange(m_places, {});
     for (const TopLevel& window : m_stack.Windows()) {
-        if (!window.isOwn) continue;
-        const Area reach = m_stack.HasCompositor() ? Grown(window.place, kShadowReach) : window.place;
-        const Area inside = Intersect(Moved(reach, -m_area.x, -m_area.y), {0, 0, m_area.width, m_area.height});
-        if (!inside.IsEmpty()) places.push_back(inside);
+        if (window.isOwn) Append(m_places, InArea(window.place));
     }
-    return places;
+    for (const Area& place : m_stack.TakePassed()) Append(past, InArea(place));
+    KeepPast(Subtract(std::move(past), m_places));
 }
 
-/// `gone` was hidden until now: by a window that left, or by the past of one.
+/// What a window at this place hides of the captured rectangle: one area or none.
+Areas OwnWindows::InArea(const Area& window) const {
+    const Area reach = m_stack.HasCompositor() ? Grown(window, kShadowReach) : window;
+    return Intersect({{0, 0, m_area.width, m_area.height}}, Moved(reach, -m_area.x, -m_area.y));
+}
+
 void OwnWindows::KeepPast(const Areas& gone) {
-    const std::int64_t now = MonotonicNs();
-    Areas left = gone;
-    for (const Past& past : m_past) left = Subtract(std::move(left), Areas{past.place});
-    std::erase_if(m_past, [now](const Past& past) { return past.untilNs <= now; });
-    if (!m_stack.HasCompositor()) m_past.clear();
-    if (!m_stack.HasCompositor()) return;
-    std::transform(left.begin(), left.end(), std::back_inserter(m_past), [now](const Area& place) {
-        return Past{place, now + kPastNs};
+    if (gone.empty()) return;
+    std::erase_if(m_past, [&gone](const Past& past) { return Subtract({past.place}, gone).empty(); });
+    const std::int64_t until = MonotonicNs() + kPastNs;
+    std::transform(gone.begin(), gone.end(), std::back_inserter(m_past), [until](const Area& place) {
+        return Past{place, until};
     });
+    if (m_past.size() <= kMostPast) return;
+    Area all;
+    for (const Past& past : m_past) all = Unite(all, past.place);
+    m_past = {{all, until}};
+}
+
+void OwnWindows::ForgetPast() {
+    if (!m_stack.HasCompositor()) m_past.clear();
+    std::erase_if(m_past, [now = MonotonicNs()](const Past& past) { return past.untilNs <= now; });
 }
 
 void OwnWindows::Follow() {
@@ -85,7 +101,7 @@ Areas OwnWindows::TakeChanged(bool isScreenDrawn, bool everywhere) {
     if (m_stack.HasCompositor() && !isScreenDrawn && !everywhere) return {};
     for (const Area& drawn : m_pictures.TakeDrawn()) {
         const Areas parts = Intersect(m_hidden, Moved(drawn, -m_area.x, -m_area.y));
-        m_changed.insert(m_changed.end(), parts.begin(), parts.end());
+        Append(m_changed, parts);
     }
     const Areas changed = std::exchange(m_changed, {});
     return everywhere || changed.size() > kMostParts ? m_hidden : changed;

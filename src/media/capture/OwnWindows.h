@@ -1,6 +1,6 @@
 // Where windows of the product lie in the captured rectangle, and what the screen would show there without them. A
 // compositor paints a window's shadow beside it, and takes a window off the screen a little later than the window goes:
-// with one, a margin around the window, and its old place for a while, are treated like the window itself.
+// with one, a margin around the window, and for a while each place it was at, are treated like the window itself.
 //
 // As long as no own window lies in the rectangle nothing is asked of the server but to tell of windows that appear.
 #pragma once
@@ -45,12 +45,15 @@ class OwnWindows {
     };
 
     void Follow();
+    void FindPlaces();
     void KeepPast(const Areas& gone);
-    Areas PlacesNow() const;
+    void ForgetPast();
+    Areas InArea(const Area& window) const;
 
     Area m_area;
     WindowStack m_stack;
     WindowPictures m_pictures;
+    Areas m_places;  ///< of the own windows
     Areas m_hidden;
     Areas m_changed;
     std::vector<Past> m_past;

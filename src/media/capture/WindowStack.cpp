@@ -59,8 +59,12 @@ void WindowStack::Handle(const xcb_generic_event_t& event) {
             break;
         case XCB_DESTROY_NOTIFY:
             m_marks.erase(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window);
-            [[fallthrough]];
+            m_stale |= HasOwn();
+            break;
         case XCB_CONFIGURE_NOTIFY:
+            m_stale |= HasOwn();
+            if (m_stale) NoteMove(reinterpret_cast<const xcb_configure_notify_event_t&>(event));
+            break;
         case XCB_UNMAP_NOTIFY:
         case XCB_REPARENT_NOTIFY:
         case XCB_CIRCULATE_NOTIFY:
@@ -69,6 +73,11 @@ void WindowStack::Handle(const xcb_generic_event_t& event) {
         default:
             break;
     }
+}
+
+void WindowStack::NoteMove(const xcb_configure_notify_event_t& event) {
+    const int border = 2 * event.border_width;
+    m_moves.push_back({event.window, {event.x, event.y, event.width + border, event.height + border}});
 }
 
 void WindowStack::Read() {
@@ -100,6 +109,10 @@ void WindowStack::Read() {
         m_marks[window.window] = mark;
         window.isOwn = mark.isOwn;
         window.opacity = mark.opacity;
+    }
+    for (const auto& [window, place] : std::exchange(m_moves, {})) {
+        const auto mark = m_marks.find(window);
+        if (mark != m_marks.end() && mark->second.isOwn) m_passed.push_back(place);
     }
 }
 

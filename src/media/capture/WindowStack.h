@@ -8,9 +8,10 @@
 
 #include <cstdint>
 #include <map>
+#include <utility>
 #include <vector>
 
-#include "media/capture/Area.h"
+#include "media/capture/Areas.h"
 
 namespace kestrum::media {
 
@@ -37,6 +38,8 @@ class WindowStack {
     /// The visible windows, the lowest first.
     const std::vector<TopLevel>& Windows() const { return m_windows; }
     bool HasOwn() const;
+    /// Where own windows came by between the last two readings; each place is given out once.
+    Areas TakePassed() { return std::exchange(m_passed, {}); }
     /// A program paints the screen from the windows' pictures, with shadows, see-through windows and a delay.
     bool HasCompositor() const { return m_hasCompositor; }
 
@@ -48,6 +51,7 @@ class WindowStack {
 
     Mark MarkOf(xcb_window_t window, int depth);
     std::uint32_t Property(xcb_window_t window, xcb_atom_t name, std::uint32_t fallback);
+    void NoteMove(const xcb_configure_notify_event_t& event);
     bool IsMark(const xcb_generic_event_t& event) const;
 
     xcb_connection_t* m_connection;
@@ -57,6 +61,8 @@ class WindowStack {
     xcb_atom_t m_compositorAtom = 0;
     std::map<xcb_window_t, Mark> m_marks;
     std::vector<TopLevel> m_windows;
+    std::vector<std::pair<xcb_window_t, Area>> m_moves;  ///< since the last reading
+    Areas m_passed;
     bool m_stale = true;
     bool m_hasCompositor = false;
 };
