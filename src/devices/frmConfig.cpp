@@ -63,6 +63,7 @@ frmConfig::frmConfig(const devices::Context& c)
                      {&chkStartPen, u"0", kEverySystem},
                      {&chkSldRgnOnly, u"1", kEverySystem},
                      {&chkEnableHotKey, u"1", kEverySystem},
+                     {&chkShowAfter, u"1", kEverySystem},
                      {&chkEditTitle, u"1", kEverySystem},
                      {&chkHideTool, u"0", kEverySystem},
                      {&chkShowToolBarIndicator, u"0", kEverySystem},
@@ -81,7 +82,7 @@ frmConfig::frmConfig(const devices::Context& c)
     cmdCancel.onClick = [this] { Unload(); };
     SetLayout(ui::Column(
         {ui::Row({ui::Group(frameRecording, {chkAutoRecord, chkSetVolBefRec, chkLowVolDetect, chkShowRecStatus,
-                                             chkSldRgnOnly, chkSkipPres, chkStartPen, chkEnableHotKey}),
+                                             chkSldRgnOnly, chkSkipPres, chkStartPen, chkEnableHotKey, chkShowAfter}),
                   ui::Column({ui::Group(framePicture,
                                         {ui::Field(lFrameRate, cmbFrameRate), ui::Field(lVideoSize, cmbVideoSize),
                                          chkLayeredWin, chkHardware, chkCloseAero}),

@@ -21,6 +21,7 @@ class frmConfig : public ui::Form {
     ui::CheckBox chkSkipPres{*this, u"chkSkipPres"};
     ui::CheckBox chkStartPen{*this, u"chkStartPen"};
     ui::CheckBox chkEnableHotKey{*this, u"chkEnableHotKey"};
+    ui::CheckBox chkShowAfter{*this, u"chkShowAfter"};
 
     ui::Frame frameRecorder{*this, u"frameRecorder"};
     ui::CheckBox chkEditTitle{*this, u"chkEditTitle"};
@@ -98,7 +99,7 @@ class frmConfig : public ui::Form {
 
     devices::Context m_c;
     AudioTest m_test;
-    const std::array<Preference, 14> m_preferences;
+    const std::array<Preference, 15> m_preferences;
     /// The photo picked in this dialog; empty until then.
     String m_photo;
     /// Every value has been stored so far.

@@ -27,8 +27,8 @@ TEST_F(frmConfigTest, WithNothingStored_EachChoiceHasItsDefault) {
           &Dialog().chkCloseAero, &Dialog().chkRecSystemAudio}) {
         EXPECT_EQ(off->Value(), 0) << host::ToUtf8(off->Name());
     }
-    for (const ui::CheckBox* on : {&Dialog().chkSldRgnOnly, &Dialog().chkEnableHotKey, &Dialog().chkEditTitle,
-                                   &Dialog().chkSetVolBefRec, &Dialog().chkLowVolDetect}) {
+    for (const ui::CheckBox* on : {&Dialog().chkSldRgnOnly, &Dialog().chkEnableHotKey, &Dialog().chkShowAfter,
+                                   &Dialog().chkEditTitle, &Dialog().chkSetVolBefRec, &Dialog().chkLowVolDetect}) {
         EXPECT_EQ(on->Value(), 1) << host::ToUtf8(on->Name());
     }
     EXPECT_EQ(Dialog().cmbFrameRate.Text(), u"medium");
@@ -38,23 +38,13 @@ TEST_F(frmConfigTest, WithNothingStored_EachChoiceHasItsDefault) {
 
 TEST_F(frmConfigTest, SavedAsItWas_StoresEveryDefault) {
     SaveAtOnce();
-    const std::vector<std::pair<String, String>> expected = {{u"videoSize", u""},
-                                                             {u"audioBitrate", u"32"},
-                                                             {u"chkAutoRecord", u"0"},
-                                                             {u"chkShowRecStatus", u"0"},
-                                                             {u"chkSkipPres", u"0"},
-                                                             {u"chkStartPen", u"0"},
-                                                             {u"chkSldRgnOnly", u"1"},
-                                                             {u"chkEnableHotKey", u"1"},
-                                                             {u"chkEditTitle", u"1"},
-                                                             {u"chkHideTool", u"0"},
-                                                             {u"chkShowToolBarIndicator", u"0"},
-                                                             {u"chkSetVolBefRec", u"1"},
-                                                             {u"chkLowVolDetect", u"1"},
-                                                             {u"chkHardware", u"0"},
-                                                             {u"chkLayeredWin", u"0"},
-                                                             {u"chkRecSystemAudio", u"0"},
-                                                             {u"frameRateLevel", u"medium"}};
+    const std::vector<std::pair<String, String>> expected = {
+        {u"videoSize", u""},         {u"audioBitrate", u"32"},     {u"chkAutoRecord", u"0"},
+        {u"chkShowRecStatus", u"0"}, {u"chkSkipPres", u"0"},       {u"chkStartPen", u"0"},
+        {u"chkSldRgnOnly", u"1"},    {u"chkEnableHotKey", u"1"},   {u"chkShowAfter", u"1"},
+        {u"chkEditTitle", u"1"},     {u"chkHideTool", u"0"},       {u"chkShowToolBarIndicator", u"0"},
+        {u"chkSetVolBefRec", u"1"},  {u"chkLowVolDetect", u"1"},   {u"chkHardware", u"0"},
+        {u"chkLayeredWin", u"0"},    {u"chkRecSystemAudio", u"0"}, {u"frameRateLevel", u"medium"}};
     for (const auto& [key, value] : expected) {
         EXPECT_EQ(world.settings.Read(u"Larkspin5", u"configure", key), value) << host::ToUtf8(key);
     }
