@@ -58,14 +58,14 @@ void frmFirstRun::FillMicrophones() {
 }
 
 void frmFirstRun::Listen() {
-    constexpr std::int32_t kNoAudio = -1;
     tmrGetVol.SetEnabled(false);
     InputLevel.SetLevel(0);
     host::IKsLib& library = m_c.host.ksLib;
     library.CloseAVDevice();
     if (cmbAudioDevice.Text().empty()) return;
-    const bool opened = library.ksSetAudioDevice(cmbAudioDevice.Text()) != 0 &&
-                        library.CheckAVDevice(Window(), 0, 0, {}) != kNoAudio;  // no camera: the dialog shows none
+    const bool opened =
+        library.ksSetAudioDevice(cmbAudioDevice.Text()) != 0 &&
+        library.CheckAVDevice(Window(), 0, 0, {}) != modDevice::kNoAudio;  // no camera: the dialog shows none
     lNote.SetCaption(Text(u"msgInUse", u"This microphone cannot be opened; another program may be using it."));
     lNote.SetVisible(!opened);
     tmrGetVol.SetEnabled(opened);
