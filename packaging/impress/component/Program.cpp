@@ -1,8 +1,6 @@
 #include "Program.h"
 
-#include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -13,6 +11,7 @@
 #include <vector>
 
 #include "Text.h"
+#include "adapters/linux/SpawnSetup.h"
 
 namespace kestrum::extension {
 namespace {
@@ -63,24 +62,10 @@ std::vector<char*> Pointers(std::vector<std::string>& words) {
 }
 
 pid_t Spawn(std::vector<std::string> words, int notes) {
-    posix_spawn_file_actions_t files;
-    posix_spawn_file_actions_init(&files);
-    posix_spawn_file_actions_addopen(&files, 0, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&files, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_adddup2(&files, notes, 2);
-    posix_spawn_file_actions_addclosefrom_np(&files, 3);
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    sigset_t none, all;
-    sigemptyset(&none);
-    sigfillset(&all);
-    posix_spawnattr_setsigmask(&attributes, &none);
-    posix_spawnattr_setsigdefault(&attributes, &all);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    const platform::SpawnSetup setup(platform::SpawnApart::Session, notes);
     pid_t pid = 0;
-    const int failure = posix_spawn(&pid, words.front().c_str(), &files, &attributes, Pointers(words).data(), environ);
-    posix_spawnattr_destroy(&attributes);
-    posix_spawn_file_actions_destroy(&files);
+    const int failure =
+        posix_spawn(&pid, words.front().c_str(), setup.Files(), setup.Attributes(), Pointers(words).data(), environ);
     return failure == 0 ? pid : 0;
 }
 

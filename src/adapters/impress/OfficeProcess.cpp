@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,6 +11,7 @@
 #include <vector>
 
 #include "adapters/impress/SandboxedOffice.h"
+#include "adapters/linux/SpawnSetup.h"
 #include "host/Error.h"
 
 namespace kestrum::impress {
@@ -67,25 +67,10 @@ std::vector<char*> Pointers(Strings& strings) {
 }
 
 pid_t Spawn(Strings arguments, Strings environment) {
-    posix_spawn_file_actions_t files;
-    posix_spawn_file_actions_init(&files);
-    posix_spawn_file_actions_addopen(&files, 0, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&files, 1, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addopen(&files, 2, "/dev/null", O_WRONLY, 0);
-    posix_spawn_file_actions_addclosefrom_np(&files, 3);
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    sigset_t none, all;
-    sigemptyset(&none);
-    sigfillset(&all);
-    posix_spawnattr_setsigmask(&attributes, &none);
-    posix_spawnattr_setsigdefault(&attributes, &all);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    const platform::SpawnSetup setup(platform::SpawnApart::Group);
     pid_t pid = 0;
-    const int failure = posix_spawn(&pid, arguments.front().c_str(), &files, &attributes, Pointers(arguments).data(),
-                                    Pointers(environment).data());
-    posix_spawnattr_destroy(&attributes);
-    posix_spawn_file_actions_destroy(&files);
+    const int failure = posix_spawn(&pid, arguments.front().c_str(), setup.Files(), setup.Attributes(),
+                                    Pointers(arguments).data(), Pointers(environment).data());
     if (failure != 0)
         throw host::Error(host::ErrorNumber::Automation, u"OfficeProcess",
                           u"Impress cannot be started: " + host::FromUtf8(std::strerror(failure)) + u".");

@@ -1,8 +1,6 @@
 #include "adapters/linux/LinuxProcesses.h"
 
-#include <fcntl.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <systemd/sd-bus.h>
 #include <time.h>
@@ -14,6 +12,7 @@
 #include <thread>
 
 #include "adapters/linux/PosixError.h"
+#include "adapters/linux/SpawnSetup.h"
 
 namespace kestrum::platform {
 namespace {
@@ -42,39 +41,6 @@ class ChildGroup : public host::IProcess {
 
   private:
     pid_t m_pid;
-};
-
-/// What a child is given besides its arguments.
-class SpawnSetup {
-  public:
-    SpawnSetup() {
-        posix_spawn_file_actions_init(&m_files);
-        for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-            posix_spawn_file_actions_addopen(&m_files, fd, "/dev/null", O_RDWR, 0);
-        }
-        posix_spawn_file_actions_addclosefrom_np(&m_files, STDERR_FILENO + 1);
-        posix_spawnattr_init(&m_attributes);
-        posix_spawnattr_setflags(&m_attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-        posix_spawnattr_setpgroup(&m_attributes, 0);
-        sigset_t signals;
-        sigemptyset(&signals);
-        posix_spawnattr_setsigmask(&m_attributes, &signals);
-        sigfillset(&signals);
-        posix_spawnattr_setsigdefault(&m_attributes, &signals);
-    }
-    SpawnSetup(const SpawnSetup&) = delete;
-    SpawnSetup& operator=(const SpawnSetup&) = delete;
-    ~SpawnSetup() {
-        posix_spawn_file_actions_destroy(&m_files);
-        posix_spawnattr_destroy(&m_attributes);
-    }
-
-    const posix_spawn_file_actions_t* Files() const { return &m_files; }
-    const posix_spawnattr_t* Attributes() const { return &m_attributes; }
-
-  private:
-    posix_spawn_file_actions_t m_files;
-    posix_spawnattr_t m_attributes;
 };
 
 /// The file as an address; every byte that is no letter, digit or one of a few marks is written as %XX.
@@ -118,7 +84,7 @@ std::unique_ptr<host::IProcess> LinuxProcesses::Start(const String& program, con
     for (std::string& word : words) argv.push_back(word.data());
     argv.push_back(nullptr);
 
-    const SpawnSetup setup;
+    const SpawnSetup setup(SpawnApart::Group);
     pid_t pid = 0;
     const int failed = posix_spawnp(&pid, argv[0], setup.Files(), setup.Attributes(), argv.data(), environ);
     if (failed != 0) ThrowSystemError(failed, u"Start", program);
