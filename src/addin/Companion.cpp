@@ -1,5 +1,6 @@
 #include "addin/Companion.h"
 
+#include "addin/Busy.h"
 #include "addin/frmRecorded.h"
 #include "devices/frmFirstRun.h"
 #include "host/ResumeNext.h"
@@ -134,9 +135,8 @@ void Companion::Publish() {
         modMsgBox::MsgBox(m_c, modGlobal::Replace(text, u"%s", modGlobal::FileNameOf(m_c, m_package)));
         return;
     }
-    m_publishing = true;
+    const addin::Busy publishing(m_publishing);
     Try([&] { m_addIn.NotesButton(u"mnuMP4"); });
-    m_publishing = false;
 }
 
 }  // namespace kestrum

@@ -26,6 +26,13 @@ class Session {
         companion = std::make_unique<Companion>(c, addIn, everyShow);
     }
 
+    /// The companion's card about the last recording is being read.
+    bool HasCard() const { return companion && companion->HasCard(); }
+    /// Takes the card away: the program ends.
+    void LeaveCard() {
+        if (companion) companion->Leave();
+    }
+
     support::State support;
     project::State project;
     devices::State devices;

@@ -1,5 +1,6 @@
 // The commands that edit, show, set up and upload a lecture.
 #include "addin/MenuTree.h"
+#include "addin/OfficeVersions.h"
 #include "addin/dsrImagePowerPoint.h"
 #include "addin/frmAbout.h"
 #include "devices/frmConfig.h"
@@ -16,8 +17,6 @@ namespace kestrum {
 
 namespace {
 
-/// From this version on an upload runs in a process of its own.
-constexpr std::int16_t kFirstWithUploadTool = 15;
 constexpr char16_t kPreviewer[] = u"ksPreviewer";
 
 }  // namespace
@@ -79,7 +78,7 @@ void dsrImagePowerPoint::Preview() {
 // --- upload ----------------------------------------------------------------------------------------------------------
 
 void dsrImagePowerPoint::RunUploadTool(const String& verb, const String& title, StringView command) {
-    if (OfficeMajor < kFirstWithUploadTool || !m_c.host.fs.FileExists(Tool(u"kstool"))) {
+    if (OfficeMajor < addin::kOffice2013 || !m_c.host.fs.FileExists(Tool(u"kstool"))) {
         return SayNotYet(command);
     }
     RunTool(u"kstool", {verb, m_c.support.workFolder, m_c.support.packagePath}, title);

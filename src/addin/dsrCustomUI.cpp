@@ -2,6 +2,7 @@
 // belongs to the user; nothing else in it is touched.
 #include <algorithm>
 
+#include "addin/OfficeVersions.h"
 #include "addin/dsrImagePowerPoint.h"
 #include "host/ResumeNext.h"
 #include "support/modGlobal.h"
@@ -15,8 +16,6 @@ constexpr StringView kEntry = u"ksp:rec";
 constexpr StringView kNameSpace = u"xmlns:ksp";
 constexpr StringView kOldEntry = u"x1:rec";
 constexpr StringView kOldNameSpace = u"xmlns:x1";
-constexpr std::int16_t kOffice2007 = 12;
-constexpr std::int16_t kOffice2010 = 14;
 
 /// The list of shared controls of the Quick Access Toolbar; none in a file that customises something else only, whose
 /// first branch leads elsewhere.
@@ -47,8 +46,8 @@ bool AddEntry(modXml::Node root, modXml::Node list, std::int16_t major) {
     modXml::Node control = list.Append(u"mso:control");
     control.SetAttribute(u"idQ", kEntry);
     control.SetAttribute(u"visible", u"true");
-    if (major == kOffice2007) control.SetAttribute(u"imageMso", u"PersonaStatusBusy");
-    if (major >= kOffice2010) control.SetAttribute(u"getImage", u"GetImage");
+    if (major == addin::kOffice2007) control.SetAttribute(u"imageMso", u"PersonaStatusBusy");
+    if (major >= addin::kOffice2010) control.SetAttribute(u"getImage", u"GetImage");
     root.SetAttribute(kNameSpace, dsrImagePowerPoint::kProgId);
     return true;
 }

@@ -1,6 +1,7 @@
 // Connection, disconnection, and the entrance of the commands.
 #include "addin/dsrImagePowerPoint.h"
 
+#include "addin/OfficeVersions.h"
 #include "addin/modAddIn.h"
 #include "display/modResolution.h"
 #include "host/ResumeNext.h"
@@ -10,15 +11,6 @@
 #include "support/modMsgBox.h"
 
 namespace kestrum {
-
-namespace {
-
-constexpr StringView kPowerPointToken = u"tokens\\PowerPoint";
-constexpr std::int16_t kFirstWithRibbon = 12;
-/// From this version on the customisation file has a format and a name of its own.
-constexpr std::int16_t kFirstWithOfficeUI = 14;
-
-}  // namespace
 
 dsrImagePowerPoint::dsrImagePowerPoint(const addin::Context& c, host::ICommandBars* commandBars)
     : m_c(c), m_commandBars(commandBars) {}
@@ -49,14 +41,14 @@ void dsrImagePowerPoint::ReadOfficeMajor(host::IApplication& application) {
     UseRibbon = false;
     String version = application.Version();
     OfficeMajor = ToInt16(version.substr(0, version.find(u'.')));
-    UseRibbon = OfficeMajor >= kFirstWithRibbon;
+    UseRibbon = OfficeMajor >= addin::kOffice2007;
 }
 
 // A host that is not Office has neither a customisation file nor command bars.
 void dsrImagePowerPoint::PutSurfaceUp() {
     if (!m_commandBars) return;
     if (!UseRibbon) return BuildCommandBarSurface();
-    const String file = OfficeMajor >= kFirstWithOfficeUI ? u"PowerPoint.officeUI" : u"PowerPoint.qat";
+    const String file = OfficeMajor >= addin::kOffice2010 ? u"PowerPoint.officeUI" : u"PowerPoint.qat";
     const String folder = modGlobal::Join(m_c, modGlobal::GetLocalAppDataPath(m_c), u"Microsoft");
     CustomUIPath = modGlobal::Join(m_c, modGlobal::Join(m_c, folder, u"Office"), file);
     if (m_c.host.fs.FileExists(CustomUIPath)) {
@@ -79,9 +71,9 @@ void dsrImagePowerPoint::TakeSurfaceDown() {
 // open the session that set it may be alive.
 void dsrImagePowerPoint::DisarmStaleMarker(host::IApplication& application) {
     if (application.PresentationCount() != 0) return;
-    if (modConfig::GetSetting(m_c, kPowerPointToken, u"recording", u"0") != u"1") return;
-    modConfig::SaveSetting(m_c, kPowerPointToken, u"recording", u"0");
-    modConfig::SaveSetting(m_c, kPowerPointToken, u"project", u"");
+    if (modConfig::GetSetting(m_c, modGlobal::kPowerPointTokens, u"recording", u"0") != u"1") return;
+    modConfig::SaveSetting(m_c, modGlobal::kPowerPointTokens, u"recording", u"0");
+    modConfig::SaveSetting(m_c, modGlobal::kPowerPointTokens, u"project", u"");
 }
 
 void dsrImagePowerPoint::IDTExtensibility2_OnDisconnection() {

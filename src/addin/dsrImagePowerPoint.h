@@ -3,6 +3,7 @@
 // case. Commands pass the guard sequence and report themselves.
 #pragma once
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -45,6 +46,8 @@ class dsrImagePowerPoint {
     /// The single entrance of ribbon, menu and command line: refuses a command while a recording is alive or the
     /// sibling program has the project, else runs it. An unknown id does nothing. Re-enters.
     void NotesButton(StringView id);
+    /// The ids that NotesButton knows.
+    static std::vector<StringView> CommandIds();
 
     /// Puts the Record button into the user's customisation file unless it is there, and takes an older version's out.
     /// A file that cannot be read or has no Quick Access Toolbar is left as it is.
@@ -147,6 +150,11 @@ class dsrImagePowerPoint {
     bool IsToolRunning();
 
     // The commands.
+    struct Command {
+        StringView id;
+        void (dsrImagePowerPoint::*run)();
+    };
+    static const std::array<Command, 17> kCommands;
     void Edit();
     void AdvancedEdit();
     void Upload();

@@ -1,4 +1,5 @@
 // The Record command.
+#include "addin/Busy.h"
 #include "addin/dsrImagePowerPoint.h"
 #include "devices/frmVolSetting.h"
 #include "recording/frmTopmost.h"
@@ -7,22 +8,6 @@
 #include "support/modMsgBox.h"
 
 namespace kestrum {
-
-namespace {
-
-/// Sets a flag for as long as it lives.
-class Busy {
-  public:
-    explicit Busy(bool& flag) : m_flag(flag) { m_flag = true; }
-    ~Busy() { m_flag = false; }
-    Busy(const Busy&) = delete;
-    Busy& operator=(const Busy&) = delete;
-
-  private:
-    bool& m_flag;
-};
-
-}  // namespace
 
 bool dsrImagePowerPoint::HasSelectedSlide() {
     return host::ResumeNext(m_c.host.trace).If([&] { return m_c.host.app.SelectedSlides()->Count() > 0; });
@@ -39,7 +24,7 @@ bool dsrImagePowerPoint::IsCommandOpen() {
 // A press while one is being handled, or while a recording runs, must not reach into the running show.
 void dsrImagePowerPoint::DoRecord() {
     if (m_recordBusy || m_c.recording.g_Recording || IsCommandOpen()) return;
-    Busy busy(m_recordBusy);
+    const addin::Busy busy(m_recordBusy);
     try {
         Record();
     } catch (const host::Error& error) {

@@ -176,7 +176,7 @@ void frmViewer::AbortRecording() {
 void frmViewer::tmrTouch_Timer() {
     if (!m_c.recording.g_Recording) return;
     Try([&] {
-        modConfig::SaveSetting(m_c, u"tokens\\PowerPoint", u"touchtime",
+        modConfig::SaveSetting(m_c, modGlobal::kPowerPointTokens, u"touchtime",
                                ToText(modGlobal::GetPositiveTick(m_c.host.loop)));
     });
 }

@@ -37,7 +37,7 @@ bool ShowsRecStatus(const recording::Context& c) {
 static bool IsTakenElsewhere(const recording::Context& c) {
     if (modViewer::IsRecordingLive(c)) return true;
     return host::ResumeNext(c.host.trace).If([&] {
-        return !modConfig::GetSetting(c, u"tokens\\Larkspin", u"project", u"").empty() &&
+        return !modConfig::GetSetting(c, modGlobal::kLarkspinTokens, u"project", u"").empty() &&
                modGlobal::IsTokenFresh(c, u"Larkspin");
     });
 }

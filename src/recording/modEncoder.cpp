@@ -15,7 +15,6 @@ namespace kestrum::modEncoder {
 
 namespace {
 
-constexpr StringView kToken = u"tokens\\PowerPoint";
 constexpr std::int32_t kPollMs = 3000;
 
 String TemporaryFolder(const recording::Context& c) {
@@ -140,9 +139,9 @@ bool SettleScreen(const recording::Context& c) {
 }
 
 void WriteMarkers(const recording::Context& c, StringView recording, const String& touchTime, const String& project) {
-    modConfig::SaveSetting(c, kToken, u"recording", recording);
-    modConfig::SaveSetting(c, kToken, u"touchtime", touchTime);
-    modConfig::SaveSetting(c, kToken, u"project", project);
+    modConfig::SaveSetting(c, modGlobal::kPowerPointTokens, u"recording", recording);
+    modConfig::SaveSetting(c, modGlobal::kPowerPointTokens, u"touchtime", touchTime);
+    modConfig::SaveSetting(c, modGlobal::kPowerPointTokens, u"project", project);
 }
 
 void Run(const recording::Context& c) {

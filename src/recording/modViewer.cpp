@@ -11,7 +11,6 @@ namespace kestrum::modViewer {
 
 namespace {
 
-constexpr StringView kPowerPointToken = u"tokens\\PowerPoint";
 const String kRecorderWindow = u"LarkspinWin";
 constexpr std::int32_t kCopyData = 74;
 
@@ -55,17 +54,14 @@ void RestoreSaved(const recording::Context& c) {
 }
 
 bool IsRecordingLive(const recording::Context& c) {
-    return host::ResumeNext(c.host.trace).If([&] {
-        return modConfig::GetSetting(c, kPowerPointToken, u"recording", u"0") == u"1" &&
-               modGlobal::IsTokenFresh(c, u"PowerPoint");
-    });
+    return modGlobal::IsRecordingLive(c, u"PowerPoint");
 }
 
 bool IsForeignRecording(const recording::Context& c, const String& fullName) {
     const String package = modGlobal::PackagePathOf(fullName);
     // Our own is known without asking a store that may not answer: its end must never be taken for another's.
     if (c.recording.g_Recording && package == c.support.packagePath) return false;
-    return IsRecordingLive(c) && package != modConfig::GetSetting(c, kPowerPointToken, u"project", u"");
+    return IsRecordingLive(c) && package != modConfig::GetSetting(c, modGlobal::kPowerPointTokens, u"project", u"");
 }
 
 std::optional<host::WindowHandle> FindRecorderWindow(const recording::Context& c) {

@@ -1,5 +1,6 @@
 #include "support/modGlobal.h"
 
+#include "host/ResumeNext.h"
 #include "support/modConfig.h"
 
 namespace kestrum::modGlobal {
@@ -29,6 +30,13 @@ bool IsTokenFresh(const support::Context& c, StringView owner) {
     const String section = u"tokens\\" + String(owner);
     const std::int32_t touched = ToInt32(modConfig::GetSetting(c, section, u"touchtime", u"0"));
     return TickDiff(touched, GetPositiveTick(c.host.loop)) < kTokenLifeMs;
+}
+
+bool IsRecordingLive(const support::Context& c, StringView owner) {
+    const String section = u"tokens\\" + String(owner);
+    return host::ResumeNext(c.host.trace).If([&] {
+        return modConfig::GetSetting(c, section, u"recording", u"0") == u"1" && IsTokenFresh(c, owner);
+    });
 }
 
 std::int32_t GetOsVersion(const support::Context& c) {

@@ -88,8 +88,13 @@ String SecondsToText(std::int32_t seconds);
 std::int32_t GetPositiveTick(host::IEventLoop& loop);
 /// Milliseconds between two positive ticks, across a wrap. Error 6 on overflow.
 std::int32_t TickDiff(std::int32_t earlier, std::int32_t later);
+/// Sections of the settings in which the recorders of a user mark what they do.
+constexpr StringView kPowerPointTokens = u"tokens\\PowerPoint";
+constexpr StringView kLarkspinTokens = u"tokens\\Larkspin";
 /// The heartbeat of owner "PowerPoint" or "Larkspin" is less than 60000 ms old. Error 13 if it is no number.
 bool IsTokenFresh(const support::Context& c, StringView owner);
+/// The owner has marked a recording, and its heartbeat is fresh. Any failure counts as no.
+bool IsRecordingLive(const support::Context& c, StringView owner);
 /// Version of the system as major * 10 + minor, 63 for 6.3 and later.
 std::int32_t GetOsVersion(const support::Context& c);
 /// The user's folder for data that stays on this computer; at most 260 characters, up to the first NUL.

@@ -41,12 +41,9 @@ bool IsNameTooLong(const support::Context& c, const String& package) {
 }  // namespace
 
 std::optional<String> CheckNoRecording(const support::Context& c) {
-    constexpr StringView kTokens = u"tokens\\PowerPoint";
-    const bool live =
-        modConfig::GetSetting(c, kTokens, u"recording", u"0") == u"1" && modGlobal::IsTokenFresh(c, u"PowerPoint");
-    if (!live) return std::nullopt;
+    if (!modGlobal::IsRecordingLive(c, u"PowerPoint")) return std::nullopt;
     return Sentence(c, u"msgOtherRecording", u"A recording is in progress: \"%s1\". End it first.",
-                    {modConfig::GetSetting(c, kTokens, u"project", u"")});
+                    {modConfig::GetSetting(c, modGlobal::kPowerPointTokens, u"project", u"")});
 }
 
 std::optional<String> CheckAutomatic(const support::Context& c) {

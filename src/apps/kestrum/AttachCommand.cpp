@@ -38,16 +38,14 @@ class Attachment {
     /// Ends the show and the recording with it, and then the attachment. Without a recording a show goes on.
     void End() {
         m_ended = true;
-        if (m_session.companion) m_session.companion->Leave();
+        m_session.LeaveCard();
         if (!m_session.recording.g_Recording) return;
         host::ResumeNext{m_session.c.host.trace}([this] { m_office.Application().SlideShowWindow(1)->View()->Exit(); });
     }
 
   private:
     /// The office is gone, and nobody reads about the last recording any more.
-    bool HasNothingLeft() const {
-        return !m_office.IsAlive() && !(m_session.companion && m_session.companion->HasCard());
-    }
+    bool HasNothingLeft() const { return !m_office.IsAlive() && !m_session.HasCard(); }
 
     // A recording that ended in a fault leaves its marker, which would refuse every command for a minute.
     void Look() {

@@ -6,11 +6,10 @@
 #include "adapters/linux/Descriptor.h"
 #include "adapters/linux/LinuxKsHook.h"
 #include "support/modConfig.h"
+#include "support/modGlobal.h"
 
 namespace kestrum::app {
 namespace {
-
-constexpr char16_t kTokens[] = u"tokens\\PowerPoint";
 
 bool RecorderIsAlive() {
     const platform::Descriptor lock(
@@ -21,9 +20,9 @@ bool RecorderIsAlive() {
 }  // namespace
 
 void DisarmMarkerOfDeadRecorder(const support::Context& c) {
-    if (modConfig::GetSetting(c, kTokens, u"recording", u"0") != u"1" || RecorderIsAlive()) return;
-    modConfig::SaveSetting(c, kTokens, u"recording", u"0");
-    modConfig::SaveSetting(c, kTokens, u"project", u"");
+    if (modConfig::GetSetting(c, modGlobal::kPowerPointTokens, u"recording", u"0") != u"1" || RecorderIsAlive()) return;
+    modConfig::SaveSetting(c, modGlobal::kPowerPointTokens, u"recording", u"0");
+    modConfig::SaveSetting(c, modGlobal::kPowerPointTokens, u"project", u"");
 }
 
 }  // namespace kestrum::app

@@ -1,5 +1,6 @@
 #include "apps/kestrum/MenuCommands.h"
 
+#include "addin/Busy.h"
 #include "apps/commandline/Preflight.h"
 #include "host/ResumeNext.h"
 #include "support/modGlobal.h"
@@ -11,11 +12,6 @@ namespace {
 constexpr std::int32_t kLookMs = 500;
 /// What changes seldom and costs more (settings, monitors) is looked at every so many looks.
 constexpr std::int32_t kSeldom = 10;
-
-constexpr StringView kIds[] = {u"rec",          u"mnuEdit",    u"mnuUpload",    u"mnuCompress", u"mnuPreview",
-                               u"mnuConfigure", u"mnuAudio",   u"mnuKestrum7",  u"mnuflash",    u"mnuWMV",
-                               u"mnuMP4",       u"mnuAdvEdit", u"mnuChangeRes", u"mnuDevice",   u"mnuYtUpload",
-                               u"mnuHelp",      u"mnuAbout"};
 
 /// Why a recording of the active presentation could not be kept; nothing if it can, or if it has never been saved: the
 /// command itself has a word for that.
@@ -38,15 +34,22 @@ MenuCommands::MenuCommands(Session& session, impress::OfficeMenu* menu) : m_sess
 
 void MenuCommands::Pick(const String& id) {
     if (m_running || m_session.addIn.CommandBusy) return;
-    m_running = true;
+    {
+        const addin::Busy running(m_running);
+        Show();
+        Run(id);
+    }
     Show();
+}
+
+void MenuCommands::Run(const String& id) {
     const auto refusal = id == u"rec" ? CheckActiveDeck(m_session.c) : std::nullopt;
-    if (refusal)
-        modMsgBox::MsgBox(m_session.c, *refusal);
-    else
+    if (refusal) return modMsgBox::MsgBox(m_session.c, *refusal);
+    try {
         m_session.addIn.NotesButton(id);
-    m_running = false;
-    Show();
+    } catch (const host::Error& error) {
+        modMsgBox::MsgBox(m_session.c, error.Description());
+    }
 }
 
 void MenuCommands::Look() {
@@ -62,7 +65,9 @@ void MenuCommands::Show() {
     const bool busy = m_running || m_session.addIn.CommandBusy;
     const bool enabled = !busy && !m_session.recording.g_Recording && !m_otherRecording;
     std::map<String, impress::CommandState> states;
-    for (const StringView id : kIds) states[String(id)] = {enabled, id != u"mnuChangeRes" || m_resolutionOnOffer};
+    for (const StringView id : dsrImagePowerPoint::CommandIds()) {
+        states[String(id)] = {enabled, id != u"mnuChangeRes" || m_resolutionOnOffer};
+    }
     m_menu->Show(states);
 }
 

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <memory>
-#include <vector>
 
 #include "adapters/impress/OfficeMenu.h"
 #include "addin/Session.h"
@@ -20,6 +19,7 @@ class MenuCommands {
     void Pick(const String& id);
 
   private:
+    void Run(const String& id);
     void Look();
     void Show();
 

@@ -40,7 +40,7 @@ class Recording {
     /// Ends the show, and with it the recording, as its user would.
     void End() {
         m_ending = true;
-        if (m_session.companion) m_session.companion->Leave();
+        m_session.LeaveCard();
         host::ResumeNext{m_session.c.host.trace}([this] { m_office.SlideShowWindow(1)->View()->Exit(); });
     }
 
@@ -51,10 +51,8 @@ class Recording {
         m_ran = m_ran || runs;
     }
 
-    bool HasCard() const { return !m_ending && m_session.companion && m_session.companion->HasCard(); }
-
     bool IsOver() {
-        if (m_session.recording.g_Recording || HasCard()) return false;
+        if (m_session.recording.g_Recording || (!m_ending && m_session.HasCard())) return false;
         std::int32_t shows = 0;
         host::ResumeNext{m_session.c.host.trace}.Set(shows, [this] { return m_office.SlideShowWindowCount(); });
         return shows == 0;

@@ -21,23 +21,19 @@ class Watch {
     void Run() {
         host::IEventLoop& loop = m_session.c.host.loop;
         const auto look = loop.StartTimer(u"watch", kLookMs, host::TimerReentry::Skipped, [this] { Look(); });
-        loop.RunUntil([this] { return !m_session.recording.g_Recording && (m_ended || (IsClosed() && !HasCard())); });
+        loop.RunUntil(
+            [this] { return !m_session.recording.g_Recording && (m_ended || (IsClosed() && !m_session.HasCard())); });
         Look();
     }
 
     /// Ends the show and the recording with it, and then the watch.
     void End() {
         m_ended = true;
-        if (m_session.companion) m_session.companion->Leave();
+        m_session.LeaveCard();
         host::ResumeNext{m_session.c.host.trace}([this] { m_office.SlideShowWindow(1)->View()->Exit(); });
-        // A message that nobody reads must not keep the program from ending.
-        if (ui::Form* message = m_session.c.forms.Find(u"frmMsgBox")) message->Unload();
     }
 
   private:
-    /// The card about the last recording is being read.
-    bool HasCard() const { return m_session.companion && m_session.companion->HasCard(); }
-
     bool IsClosed() {
         std::int32_t open = 0;
         host::ResumeNext{m_session.c.host.trace}.Set(open, [this] { return m_office.PresentationCount(); });
