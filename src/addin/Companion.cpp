@@ -2,6 +2,7 @@
 
 #include "addin/Busy.h"
 #include "addin/frmRecorded.h"
+#include "devices/ShowMonitor.h"
 #include "devices/frmFirstRun.h"
 #include "host/ResumeNext.h"
 #include "recording/StartAdvice.h"
@@ -42,6 +43,8 @@ bool Companion::RecordPressed() {
     modViewer::UnloadForm(m_c, u"frmRecorded");
     m_c.devices.adviceLine.clear();
     if (!PassesFirstRun()) return false;
+    host::ResumeNext{m_c.host.trace}(
+        [&] { devices::ApplyShowMonitor(m_c, *m_c.host.app.ActivePresentation()->SlideShowSettings()); });
     host::ResumeNext{m_c.host.trace}([&] {
         for (const auto& advice : recording::StartAdvice(m_c, m_c.host.app.ActivePresentation()->FullName())) {
             // For a new recording on a large screen a dialog comes up anyway.
@@ -56,7 +59,10 @@ bool Companion::RecordPressed() {
 bool Companion::PassesFirstRun() {
     constexpr std::int32_t kAnswered = 1;
     if (!frmFirstRun::IsDue(m_c)) return true;
-    m_c.forms.Get<frmFirstRun>(m_c).ShowModal();
+    auto& question = m_c.forms.Get<frmFirstRun>(m_c);
+    host::ResumeNext{m_c.host.trace}(
+        [&] { question.OfferMonitors(m_c.host.app.ActivePresentation()->SlideShowSettings()); });
+    question.ShowModal();
     return m_c.devices.g_DialogResult == kAnswered;
 }
 

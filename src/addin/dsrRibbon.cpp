@@ -36,8 +36,8 @@ String dsrImagePowerPoint::GetRibbonXML(const String& path) {
 
 bool dsrImagePowerPoint::GetChangeResVisible() {
     const host::ResumeNext Try(m_c.host.trace);
-    std::int32_t monitors = 0;
-    Try.Set(monitors, [&] { return m_c.host.monitors.MonitorCount(); });
+    std::size_t monitors = 0;
+    Try.Set(monitors, [&] { return m_c.host.monitors.Handles().size(); });
     if (monitors >= 2) return false;
     return !(monitors == 1 && Try.If([&] {
         const auto current = m_c.host.monitors.CurrentMode(0);

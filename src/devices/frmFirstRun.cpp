@@ -1,5 +1,10 @@
 #include "devices/frmFirstRun.h"
 
+#include <utility>
+
+#include "devices/ShowMonitor.h"
+#include "host/ResumeNext.h"
+#include "support/Numbers.h"
 #include "support/modConfig.h"
 #include "support/modLanguage.h"
 
@@ -20,13 +25,34 @@ frmFirstRun::frmFirstRun(const devices::Context& c) : Form(c.forms, u"frmFirstRu
     cmdSave.SetDefault(true);
     cmdSkip.SetCancel(true);
     lNote.SetVisible(false);
+    lMonitor.SetVisible(false);
+    cmbMonitor.SetVisible(false);
     cmdSave.onClick = [this] { Answer(true); };
     cmdSkip.onClick = [this] { Answer(false); };
     cmbAudioDevice.onClick = [this] { Listen(); };
     tmrInitDevice.onTimer = [this] { tmrInitDevice_Timer(); };
     tmrGetVol.onTimer = [this] { InputLevel.SetLevel(m_c.host.ksLib.GetAudioVolume()); };
     SetLayout(ui::Column({lMsg, ui::Field(lMicrophone, cmbAudioDevice), ui::Field(lInputLevel, InputLevel), lNote,
-                          ui::Buttons({cmdSave, cmdSkip})}));
+                          ui::Field(lMonitor, cmbMonitor), ui::Buttons({cmdSave, cmdSkip})}));
+}
+
+void frmFirstRun::OfferMonitors(std::unique_ptr<host::ISlideShowSettings> shows) {
+    const auto monitors = m_c.host.monitors.Handles();
+    if (monitors.size() < 2) return;
+    const std::int32_t chosen = shows->ShowMonitor();
+    cmbMonitor.AddItem(Text(u"msgAutomatic", u"Automatic"));
+    for (const host::MonitorHandle monitor : monitors) cmbMonitor.AddItem(NameOf(monitor));
+    cmbMonitor.SetListIndex(chosen >= 0 && chosen <= std::ssize(monitors) ? chosen : 0);
+    lMonitor.SetVisible(true);
+    cmbMonitor.SetVisible(true);
+    m_shows = std::move(shows);
+}
+
+String frmFirstRun::NameOf(host::MonitorHandle monitor) const {
+    const String name = m_c.host.monitors.MonitorName(monitor);
+    const auto mode = m_c.host.monitors.CurrentMode(monitor);
+    if (!mode) return name;
+    return name + u" (" + ToText(mode->width) + u"x" + ToText(mode->height) + u")";
 }
 
 void frmFirstRun::OnLoad() {
@@ -76,8 +102,14 @@ void frmFirstRun::Answer(bool keep) {
     if (keep && !cmbAudioDevice.Text().empty()) {
         modConfig::SaveSetting(m_c, kConfigure, kMicrophone, cmbAudioDevice.Text());
     }
+    if (keep && m_shows) KeepMonitor();
     modConfig::SaveSetting(m_c, kConfigure, kDone, u"1");
     Unload();
+}
+
+// A host that does not take it shows the slides where it did before.
+void frmFirstRun::KeepMonitor() {
+    host::ResumeNext{m_c.host.trace}([&] { devices::KeepShowMonitor(m_c, *m_shows, cmbMonitor.ListIndex()); });
 }
 
 void frmFirstRun::OnUnload() {

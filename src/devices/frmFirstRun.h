@@ -1,10 +1,13 @@
-// Asks a new user, once and before the first recording, for the one thing that the program cannot know: which
-// microphone is theirs, with its level to see that it hears them. Continue keeps the choice, Skip (and Escape) keeps
-// nothing; both count as answered, and g_DialogResult is 1. The frame's close button calls the recording off, leaves
-// the question for the next time, and g_DialogResult is 2.
+// Asks a new user, once and before the first recording, for what the program cannot know: which microphone is theirs,
+// with its level to see that it hears them, and, where there are several monitors, on which of them slides appear.
+// Continue keeps the choices, Skip (and Escape) keeps nothing; both count as answered, and g_DialogResult is 1. The
+// frame's close button calls the recording off, leaves the question for the next time, and g_DialogResult is 2.
 #pragma once
 
+#include <memory>
+
 #include "devices/modDevice.h"
+#include "host/IApplication.h"
 
 namespace kestrum {
 
@@ -14,6 +17,8 @@ class frmFirstRun : public ui::Form {
 
     /// This user has neither been asked nor chosen a microphone elsewhere.
     static bool IsDue(const devices::Context& c);
+    /// With more than one monitor, asks for that of the shows, too. To be called before the form is shown.
+    void OfferMonitors(std::unique_ptr<host::ISlideShowSettings> shows);
 
     ui::Label lMsg{*this, u"lMsg"};
     ui::Label lMicrophone{*this, u"lMicrophone"};
@@ -21,6 +26,8 @@ class frmFirstRun : public ui::Form {
     ui::Label lInputLevel{*this, u"lInputLevel"};
     ui::LevelMeter InputLevel{*this, u"InputLevel"};
     ui::Label lNote{*this, u"lNote"};
+    ui::Label lMonitor{*this, u"lMonitor"};
+    ui::ComboBox cmbMonitor{*this, u"cmbMonitor"};
     ui::CommandButton cmdSave{*this, u"cmdSave"};
     ui::CommandButton cmdSkip{*this, u"cmdSkip"};
     ui::Timer tmrInitDevice{*this, u"tmrInitDevice", 50};
@@ -36,9 +43,12 @@ class frmFirstRun : public ui::Form {
     /// Listens to the microphone that is selected.
     void Listen();
     void Answer(bool keep);
+    void KeepMonitor();
+    String NameOf(host::MonitorHandle monitor) const;
     String Text(StringView key, const String& fallback) const;
 
     devices::Context m_c;
+    std::unique_ptr<host::ISlideShowSettings> m_shows;
 };
 
 }  // namespace kestrum

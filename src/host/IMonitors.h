@@ -31,8 +31,8 @@ struct DisplayMode {
 class IMonitors {
   public:
     virtual ~IMonitors() = default;
-    /// How many monitors the desktop is spread over; 0 without a screen.
-    virtual std::int32_t MonitorCount() = 0;
+    /// The monitors that the desktop is spread over, in the system's order; none without a screen.
+    virtual std::vector<MonitorHandle> Handles() = 0;
     /// The monitor holding the point, none if it lies outside all.
     virtual std::optional<MonitorHandle> MonitorFromPoint(Point point) = 0;
     /// The monitor's record (logical coordinates); none for an unknown monitor.

@@ -12,16 +12,11 @@ host::Rect At(std::int32_t left, std::int32_t top, std::int32_t width, std::int3
     return {left, top, left + width, top + height};
 }
 
-/// A monitor that touches this one at a side.
-std::optional<host::MonitorHandle> Neighbour(const Context& c, const host::Rect& monitor) {
-    const std::int32_t middleX = (monitor.left + monitor.right) / 2, middleY = (monitor.top + monitor.bottom) / 2;
-    for (const host::Point beyond :
-         {host::Point{monitor.right, middleY}, host::Point{monitor.left - 1, middleY},
-          host::Point{middleX, monitor.top - 1}, host::Point{middleX, monitor.bottom},
-          host::Point{monitor.right, monitor.top}, host::Point{monitor.left - 1, monitor.top},
-          host::Point{monitor.right, monitor.bottom - 1}, host::Point{monitor.left - 1, monitor.bottom - 1},
-          host::Point{monitor.left, monitor.top - 1}, host::Point{monitor.left, monitor.bottom}}) {
-        if (const auto found = c.host.monitors.MonitorFromPoint(beyond)) return found;
+/// A monitor other than the recorded one.
+std::optional<host::Rect> Other(const Context& c, const host::Rect& recorded) {
+    for (const host::MonitorHandle monitor : c.host.monitors.Handles()) {
+        const auto record = c.host.monitors.MonitorRecord(monitor);
+        if (record && *record != recorded) return record;
     }
     return std::nullopt;
 }
@@ -29,8 +24,7 @@ std::optional<host::MonitorHandle> Neighbour(const Context& c, const host::Rect&
 /// At the top, in the middle: there a speaker's view shows nothing that is worked with.
 std::optional<host::Rect> OnOtherMonitor(const Context& c, const host::Rect& recorded, std::int32_t width,
                                          std::int32_t height) {
-    const auto other = Neighbour(c, recorded);
-    const auto area = other ? c.host.monitors.MonitorRecord(*other) : std::nullopt;
+    const auto area = Other(c, recorded);
     if (!area || area->right - area->left < width) return std::nullopt;
     return At(area->left + (area->right - area->left - width) / 2, area->top + kMargin, width, height);
 }

@@ -48,6 +48,26 @@ TEST_F(CompanionTest, FirstRecordingOfAUser_AsksForTheMicrophone_Once_AndGoesOn)
     EXPECT_TRUE(world.presenter.LeftOverActs().empty());
 }
 
+TEST_F(CompanionTest, FirstRun_WithTwoMonitors_AsksForThatOfTheSlides) {
+    Set(u"firstRunDone", u"");
+    world.monitors.AddRight(1024, 768);
+    world.presenter.Select(u"frmFirstRun", u"cmbMonitor", 2).Click(u"frmFirstRun", u"cmdSave");
+    Record();
+    EXPECT_EQ(world.app.showMonitor, 2);
+    EXPECT_EQ(StoredEntries().size(), 1U);
+    world.app.showMonitor = 0;  // an office of its own for the next recording
+    Record();
+    EXPECT_EQ(world.app.showMonitor, 2);
+    world.app.showMonitor = 1;  // the user has told the host otherwise
+    Record();
+    EXPECT_EQ(world.app.showMonitor, 1);
+    world.monitors.all.pop_back();
+    world.app.showMonitor = 0;
+    Record();
+    EXPECT_EQ(world.app.showMonitor, 0);
+    EXPECT_EQ(StoredEntries().size(), 4U);
+}
+
 TEST_F(CompanionTest, FirstRun_ClosedByItsFrame_StartsNothing) {
     Set(u"firstRunDone", u"");
     world.presenter.UserCloses(u"frmFirstRun");

@@ -93,5 +93,59 @@ TEST_F(frmFirstRunTest, ClosedBeforeItsDevicesWereLookedAt_LeavesNothingOpen) {
     EXPECT_FALSE(world.transcript.Has(u"ksLib.ksSetAudioDevice Built-in"));
 }
 
+// --- the monitor of the shows --------------------------------------------------------------------------------------
+
+class MonitorQuestion : public frmFirstRunTest {
+  protected:
+    MonitorQuestion() { world.app.Open(sim::Deck::Titled(u"/home/anna/talk.pptx", {u"One"})); }
+    void Offer() { Form().OfferMonitors(world.app.ActivePresentation()->SlideShowSettings()); }
+};
+
+TEST_F(MonitorQuestion, WithOneMonitor_IsNotAsked) {
+    Offer();
+    EXPECT_FALSE(Form().cmbMonitor.Visible());
+    Shown().PressEnter();
+    EXPECT_EQ(world.app.showMonitor, 0);
+}
+
+TEST_F(MonitorQuestion, OffersEachByNameAndSize_WithTheHostsOwnChoiceInFront) {
+    world.monitors.AddRight(1024, 768);
+    Offer();
+    EXPECT_TRUE(Form().cmbMonitor.Visible());
+    EXPECT_EQ(Form().cmbMonitor.Items(),
+              (std::vector<String>{u"Automatic", u"Monitor 1 (1920x1080)", u"Monitor 2 (1024x768)"}));
+    EXPECT_EQ(Form().cmbMonitor.ListIndex(), 0);
+    Shown().Select(u"cmbMonitor", 2);
+    Form().PressEnter();
+    EXPECT_EQ(world.app.showMonitor, 2);
+}
+
+TEST_F(MonitorQuestion, ShowsWhatTheHostHas_AndSkipLeavesIt) {
+    world.monitors.AddRight(1024, 768);
+    world.app.showMonitor = 1;
+    Offer();
+    EXPECT_EQ(Form().cmbMonitor.ListIndex(), 1);
+    Shown().Select(u"cmbMonitor", 2);
+    Form().PressEscape();
+    EXPECT_EQ(world.app.showMonitor, 1);
+}
+
+TEST_F(MonitorQuestion, MonitorThatIsGone_IsAutomatic) {
+    world.monitors.AddRight(1024, 768);
+    world.app.showMonitor = 3;
+    Offer();
+    EXPECT_EQ(Form().cmbMonitor.ListIndex(), 0);
+}
+
+TEST_F(MonitorQuestion, HostThatRefuses_DoesNotKeepAnybodyFromRecording) {
+    world.monitors.AddRight(1024, 768);
+    Offer();
+    Shown().Select(u"cmbMonitor", 2);
+    world.faults.FailCall(u"app.SetShowMonitor", 1, sim::Once);
+    Form().PressEnter();
+    EXPECT_FALSE(frmFirstRun::IsDue(c));
+    EXPECT_EQ(devices.g_DialogResult, 1);
+}
+
 }  // namespace
 }  // namespace kestrum

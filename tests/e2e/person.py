@@ -65,8 +65,10 @@ class Person:
 
     def open(self, *decks):
         """What the file manager's command does."""
-        self.office = self.desk.start("soffice", f"-env:UserInstallation=file://{self.profile}",
-                                      f"-env:BUNDLED_EXTENSIONS=file://{INSTALL}/impress", "--impress", *decks)
+        # The menu of an installed package is where every office looks.
+        menu = [f"-env:BUNDLED_EXTENSIONS=file://{INSTALL}/impress"] if (INSTALL / "impress").is_dir() else []
+        self.office = self.desk.start("soffice", f"-env:UserInstallation=file://{self.profile}", *menu, "--impress",
+                                      *decks)
         for deck in decks:
             self.desk.wait_for(f"the window of {deck.name}", lambda name=deck.name: self.windows(f"^{name}"))
         self.turn_to(decks[-1])

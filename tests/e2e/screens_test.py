@@ -12,8 +12,8 @@ PICTURES = os.environ.get("KESTRUM_PICTURES")  # a folder for pictures of the sc
 
 
 class ScreensTest(unittest.TestCase):
-    def desk(self, *monitors):
-        desk = Desk(*monitors)
+    def desk(self, *monitors, **settings):
+        desk = Desk(*monitors, **settings)
         self.addCleanup(desk.end)
         return desk
 
@@ -72,6 +72,27 @@ class ScreensTest(unittest.TestCase):
         dialog.terminate()
         self.assertEqual(dialog.wait(timeout=PATIENCE), 143)
         self.assertEqual(desk.monitor(), (1280, 720, 0, 0))
+
+    # --- on which monitor -----------------------------------------------------------------------------------------
+
+    def test_the_first_run_asks_for_the_monitor_and_every_recording_takes_it(self):
+        desk, folder = self.desk("1280x720", "1024x768", firstRunDone=""), self.folder()
+        recording = desk.start(KESTRUM, "record", folder.deck)
+        desk.window("Your First Recording")
+        desk.press("Tab", "Down")  # from the microphone to the monitor; from Automatic, the second one, to the first
+        self.look(desk, "question")
+        desk.press("Return")
+        desk.window("Volume Setting")
+        desk.press("Return")
+        self.give_lecture(desk, folder, recording)
+        first = info(folder.package)
+        self.assertEqual((first["width"], first["height"]), (1280, 720))
+        slides = slide_thumbs(folder.deck, folder.root)
+        self.assertEqual(nearest(thumb(folder.package, 1), slides, 0.25), 0)
+        self.give_lecture(desk, folder, self.begin_to_record(desk, folder), len(first["index"]) + 1)
+        both = info(folder.package)
+        self.assertEqual(both["index"][:len(first["index"])], first["index"])
+        self.assertEqual(nearest(thumb(folder.package, both["duration_ms"] / 1000 - 1), slides, 0.25), 0)
 
     # --- in front of a recording ----------------------------------------------------------------------------------
 

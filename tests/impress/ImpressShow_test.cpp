@@ -166,6 +166,14 @@ TEST_F(ImpressShow, TheWindow_CoversTheScreen) {
     EXPECT_FLOAT_EQ(window->Top(), 0);
 }
 
+TEST_F(ImpressShow, TheMonitorOfShows_IsTheUsersSetting_AndLeavesTheDeckAsSaved) {
+    EXPECT_EQ(Deck()->SlideShowSettings()->ShowMonitor(), 0);
+    Deck()->SlideShowSettings()->SetShowMonitor(1);
+    EXPECT_EQ(Deck()->SlideShowSettings()->ShowMonitor(), 1);
+    EXPECT_NE(Deck()->Saved(), 0);
+    Deck()->SlideShowSettings()->SetShowMonitor(0);
+}
+
 TEST_F(ImpressShow, ThePen_TakesItsColourAsBlueGreenRed) {
     const auto window = desk->Run();
     const auto view = window->View();

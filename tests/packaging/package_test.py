@@ -210,7 +210,8 @@ class CompletionTest(unittest.TestCase):
 
 
 class LifeTest(unittest.TestCase):
-    """On a machine of its own: installed, used by a user, upgraded, used again, removed without a trace."""
+    """On a machine of its own: installed, used by a user, upgraded, used again, also from Impress' menu, removed without
+    a trace."""
 
     def setUp(self):
         self.machine = Machine()
@@ -257,6 +258,10 @@ class LifeTest(unittest.TestCase):
         self.assertEqual(again["index"][:len(first["index"])], first["index"])
         self.assertGreater(len(again["index"]), len(first["index"]))
         self.assertEqual(machine.run("kestrum", "verify", deck.with_suffix(".ktr")).returncode, 0)
+
+        machine.run("env", "KESTRUM_INSTALL=/usr/lib/kestrum", "python3", "-m", "unittest",
+                    "person_test.PersonTest.test_a_lecture_recorded_and_published_from_the_menu_twice_in_the_same_office",
+                    cwd=ROOT / "tests/e2e")
 
         machine.dpkg("--purge", "kestrum")
         self.assertEqual(machine.files(), empty)

@@ -63,6 +63,21 @@ rtl::OUString NameOfSelectedPage(const OfficeDocument& document) {
 
 }  // namespace
 
+// The property of one presentation is the setting of the office's user, for every presentation.
+std::int32_t ImpressShowSettings::ShowMonitor() {
+    return m_office->Link().Call(u"SlideShowSettings.ShowMonitor", [document = m_document] {
+        std::int32_t number = 0;
+        document->Show()->getPropertyValue("Display") >>= number;
+        return number;
+    });
+}
+
+void ImpressShowSettings::SetShowMonitor(std::int32_t number) {
+    m_office->Link().Call(u"SlideShowSettings.ShowMonitor", [document = m_document, number] {
+        document->Show()->setPropertyValue("Display", Any(number));
+    });
+}
+
 std::unique_ptr<host::ISlideShowWindow> ImpressShowSettings::Run() {
     if (auto running = m_office->ShowOf(m_document)) return std::make_unique<ImpressShowWindow>(m_office, running);
     m_office->Link().Call(

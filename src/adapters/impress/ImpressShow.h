@@ -12,6 +12,8 @@ class ImpressShowSettings : public host::ISlideShowSettings {
     ImpressShowSettings(std::shared_ptr<OfficeModel> office, std::shared_ptr<OfficeDocument> document)
         : m_office(std::move(office)), m_document(std::move(document)) {}
     void SetShowType(std::int32_t type) override { m_fullScreen = type == kSpeaker; }
+    std::int32_t ShowMonitor() override;
+    void SetShowMonitor(std::int32_t number) override;
     std::unique_ptr<host::ISlideShowWindow> Run() override;
 
   private:

@@ -27,8 +27,10 @@ X11Monitors::X11Monitors(X11Connection& display) : m_display(display) {
     m_hasRandr = version && (version->major_version > 1 || version->minor_version >= 5);
 }
 
-std::int32_t X11Monitors::MonitorCount() {
-    return static_cast<std::int32_t>(List().size());
+std::vector<host::MonitorHandle> X11Monitors::Handles() {
+    std::vector<host::MonitorHandle> handles;
+    for (const Monitor& monitor : List()) handles.push_back(monitor.handle);
+    return handles;
 }
 
 std::vector<X11Monitors::Monitor> X11Monitors::List() {

@@ -18,7 +18,7 @@ class X11Monitors : public host::IMonitors {
   public:
     explicit X11Monitors(X11Connection& display);
 
-    std::int32_t MonitorCount() override;
+    std::vector<host::MonitorHandle> Handles() override;
     std::optional<host::MonitorHandle> MonitorFromPoint(host::Point point) override;
     std::optional<host::Rect> MonitorRecord(host::MonitorHandle monitor) override;
     String MonitorName(host::MonitorHandle monitor) override;

@@ -63,6 +63,8 @@ class Application : public host::IApplication {
     std::int32_t pointerColor = 0x0000FF;
     /// Shape of the show when it started: 1 after SetShowType(1).
     std::int32_t showType = 0;
+    /// The user's setting in the host.
+    std::int32_t showMonitor = 0;
     std::map<String, bool> commandBars{{u"Slide Show", true}};
 
     String version = u"16.0";

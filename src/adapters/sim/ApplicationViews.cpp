@@ -191,6 +191,16 @@ void Application::Settings::SetShowType(std::int32_t type) {
     m_app.showType = type;
 }
 
+std::int32_t Application::Settings::ShowMonitor() {
+    m_app.Check(u"ShowMonitor");
+    return m_app.showMonitor;
+}
+
+void Application::Settings::SetShowMonitor(std::int32_t number) {
+    m_app.Check(u"SetShowMonitor");
+    m_app.showMonitor = number;
+}
+
 std::unique_ptr<host::ISlideShowWindow> Application::Settings::Run() {
     m_app.Check(u"Run");
     std::shared_ptr<Show> show = m_app.RunningShowOf(m_deck);

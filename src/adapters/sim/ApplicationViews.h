@@ -59,6 +59,8 @@ class Application::Settings : public host::ISlideShowSettings {
   public:
     Settings(Application& app, std::shared_ptr<Deck> deck) : m_app(app), m_deck(std::move(deck)) {}
     void SetShowType(std::int32_t type) override;
+    std::int32_t ShowMonitor() override;
+    void SetShowMonitor(std::int32_t number) override;
     std::unique_ptr<host::ISlideShowWindow> Run() override;
 
   private:

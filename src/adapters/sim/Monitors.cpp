@@ -49,6 +49,12 @@ host::Rect Monitors::RecordOf(const Monitor& monitor) const {
                       r.top + Scaled(r.bottom - r.top, factor)};
 }
 
+std::vector<host::MonitorHandle> Monitors::Handles() {
+    std::vector<host::MonitorHandle> handles;
+    for (const Monitor& monitor : all) handles.push_back(monitor.handle);
+    return handles;
+}
+
 std::optional<host::MonitorHandle> Monitors::MonitorFromPoint(host::Point point) {
     for (const Monitor& monitor : all) {
         host::Rect r = RecordOf(monitor);

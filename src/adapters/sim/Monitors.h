@@ -24,7 +24,7 @@ class Monitors : public host::IMonitors {
   public:
     explicit Monitors(Transcript& transcript);
 
-    std::int32_t MonitorCount() override { return static_cast<std::int32_t>(all.size()); }
+    std::vector<host::MonitorHandle> Handles() override;
     std::optional<host::MonitorHandle> MonitorFromPoint(host::Point point) override;
     std::optional<host::Rect> MonitorRecord(host::MonitorHandle monitor) override;
     String MonitorName(host::MonitorHandle monitor) override;

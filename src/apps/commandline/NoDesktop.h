@@ -13,7 +13,7 @@ namespace kestrum::app {
 
 class NoMonitors final : public host::IMonitors {
   public:
-    std::int32_t MonitorCount() override { return 0; }
+    std::vector<host::MonitorHandle> Handles() override { return {}; }
     std::optional<host::MonitorHandle> MonitorFromPoint(host::Point) override { return std::nullopt; }
     std::optional<host::Rect> MonitorRecord(host::MonitorHandle) override { return std::nullopt; }
     String MonitorName(host::MonitorHandle) override { return {}; }
