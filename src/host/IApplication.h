@@ -98,8 +98,8 @@ class ISlideShowSettings {
     virtual ~ISlideShowSettings() = default;
     /// 1 is a show presented by a speaker (full screen).
     virtual void SetShowType(std::int32_t type) = 0;
-    /// The monitor that shows appear on, by its number from 1 in IMonitors::Handles' order; 0: the host chooses. It is the
-    /// user's setting in the host and holds for every presentation.
+    /// The monitor that shows appear on, by its number from 1 in IMonitors::Handles' order; 0: the host chooses. It is
+    /// the user's setting in the host and holds for every presentation.
     virtual std::int32_t ShowMonitor() = 0;
     virtual void SetShowMonitor(std::int32_t number) = 0;
     /// Starts the show and returns its window after the begin event and the first slide's event were dispatched
