@@ -9,10 +9,12 @@
 
 #include "apps/ksPreviewer/FolderServer.h"
 #include "apps/ksPreviewer/Movie.h"
+#include "apps/ksPreviewer/Texts.h"
 
 namespace {
 
 using kestrum::preview::FolderServer;
+using kestrum::preview::GetResString;
 using kestrum::preview::MakeMovie;
 
 constexpr char kMovie[] = "preview.mp4";
@@ -42,7 +44,9 @@ int main(int argc, char** argv) {
     const QString address = server.AddressOf(page.fileName()) + query;
     out << address << Qt::endl;
     if (!QProcess::startDetached(QStringLiteral("xdg-open"), {address})) {
-        complaint << "No browser can be opened.\n";
+        complaint << GetResString(QStringLiteral("preview"), QStringLiteral("msgNoBrowser"),
+                                  QStringLiteral("No browser can be opened."))
+                  << Qt::endl;
         return 1;
     }
     return QCoreApplication::exec();

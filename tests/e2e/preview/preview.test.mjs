@@ -33,11 +33,11 @@ function lecture(name) {
 }
 
 /** The running program: the address that it told, what its browser was asked for, and its end. */
-async function preview(t, ...words) {
+async function preview(t, words, program = path.join(INSTALL, 'ksPreviewer')) {
   const desktop = fs.mkdtempSync(path.join(root, 'desktop.'));
   const asked = path.join(desktop, 'asked');
   fs.writeFileSync(path.join(desktop, 'xdg-open'), `#!/bin/sh\necho "$1" > "${asked}.new" && mv "${asked}.new" "${asked}"\n`, { mode: 0o755 });
-  const child = spawn(path.join(INSTALL, 'ksPreviewer'), words,
+  const child = spawn(program, words,
     { env: { ...process.env, PATH: `${desktop}:${process.env.PATH}` }, stdio: ['ignore', 'pipe', 'inherit'] });
   t.after(() => child.kill());
   const ended = new Promise((done) => child.on('exit', (code) => done(code)));
@@ -67,7 +67,7 @@ const until = async (condition) => {
 
 test('The preview plays the lecture, jumps to its slides, and ends when its page is closed', async (t) => {
   const { page: file, packageFile } = lecture('plays');
-  const { address, asked, ended } = await preview(t, file, 'default', packageFile);
+  const { address, asked, ended } = await preview(t, [file, 'default', packageFile]);
   await until(() => fs.existsSync(asked));
   assert.equal(fs.readFileSync(asked, 'utf8').trim(), address, 'the browser gets the address');
   const { page, context, problems } = await open(address);
@@ -98,7 +98,7 @@ test('The preview plays the lecture, jumps to its slides, and ends when its page
 
 test('Nothing but the folder is served, and only under the name that was told', async (t) => {
   const { page: file, packageFile } = lecture('guards');
-  const { address } = await preview(t, file, 'default', packageFile);
+  const { address } = await preview(t, [file, 'default', packageFile]);
   const base = new URL('.', address);
   assert.equal((await fetch(new URL('project.ksp', base))).status, 200);
   assert.equal((await fetch(new URL('/index.html', base))).status, 404);
@@ -112,11 +112,21 @@ test('Nothing but the folder is served, and only under the name that was told', 
 
 test('A package that cannot be shown is told on the page', async (t) => {
   const { page: file } = lecture('missing');
-  const { address, ended } = await preview(t, file, 'default', path.join(root, 'none.ktr'));
+  const { address, ended } = await preview(t, [file, 'default', path.join(root, 'none.ktr')]);
   const { page, context } = await open(address);
   await page.waitForFunction(() => document.querySelector('#message').textContent.includes('There is no package'));
   await context.close();
   assert.equal(await ended, 0);
+});
+
+test('What goes wrong is told in the words of the language file', async (t) => {
+  const other = fs.mkdtempSync(path.join(root, 'program.'));
+  fs.copyFileSync(path.join(INSTALL, 'ksPreviewer'), path.join(other, 'ksPreviewer'));
+  const texts = fs.readFileSync(path.join(INSTALL, 'res.xml'), 'utf8');
+  fs.writeFileSync(path.join(other, 'res.xml'), texts.replaceAll('There is no package', 'Es gibt kein Paket'));
+  const { page: file } = lecture('words');
+  const { address } = await preview(t, [file, 'default', path.join(root, 'none.ktr')], path.join(other, 'ksPreviewer'));
+  assert.match(new URL(address).searchParams.get('message'), /^Es gibt kein Paket ".*none\.ktr"\.$/);
 });
 
 test('Wrong words end the program at once', async (t) => {
