@@ -11,14 +11,16 @@ namespace {
 
 using namespace ebml;
 
-CueEntry ReadPoint(IStorage& storage, const Element& point) {
+using Memory = std::span<const std::uint8_t>;
+
+CueEntry ReadPoint(Memory memory, const Element& point) {
     CueEntry entry;
-    ForEachChild(storage, point.data, point.End(), [&](const Element& child) {
-        if (child.id == kCueTime) entry.ms = static_cast<std::int64_t>(ReadUnsigned(storage, child));
+    ForEachChild(memory, point.data, point.End(), [&](const Element& child) {
+        if (child.id == kCueTime) entry.ms = static_cast<std::int64_t>(ReadUnsigned(memory, child));
         if (child.id != kCueTrackPositions) return true;
-        ForEachChild(storage, child.data, child.End(), [&](const Element& part) {
-            if (part.id == kCueTrack) entry.track = ReadUnsigned(storage, part);
-            if (part.id == kCueClusterPosition) entry.cluster = SegmentDataPosition() + ReadUnsigned(storage, part);
+        ForEachChild(memory, child.data, child.End(), [&](const Element& part) {
+            if (part.id == kCueTrack) entry.track = ReadUnsigned(memory, part);
+            if (part.id == kCueClusterPosition) entry.cluster = SegmentDataPosition() + ReadUnsigned(memory, part);
             return true;
         });
         return true;
@@ -50,9 +52,9 @@ std::optional<std::vector<CueEntry>> ReadCues(IStorage& storage, const Element& 
     // The list is small against the media and read at once. Other programs need not write a check sum.
     const auto bytes = ReadExactly(storage, cues.data, cues.size);
     if (!bytes) return std::nullopt;
-    MemoryStorage memory(*bytes);
+    const Memory memory(*bytes);
     std::vector<CueEntry> entries;
-    const bool whole = ForEachChild(memory, 0, bytes->size(), [&](const Element& point) {
+    const bool whole = ForEachChild(memory, 0, memory.size(), [&](const Element& point) {
         if (point.id == kCuePoint) entries.push_back(ReadPoint(memory, point));
         return true;
     });

@@ -28,6 +28,26 @@ void AppendBigEndian(Bytes& target, std::uint64_t value, std::size_t width) {
     for (std::size_t i = width; i-- > 0;) target.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
 }
 
+std::optional<Element> ParseHeader(std::span<const std::uint8_t> raw, std::uint64_t position, std::uint64_t limit) {
+    if (raw.size() < 2) return std::nullopt;
+    const std::size_t idWidth = WidthOf(raw[0]);
+    if (idWidth > 4 || idWidth >= raw.size()) return std::nullopt;
+    const std::size_t sizeWidth = WidthOf(raw[idWidth]);
+    if (sizeWidth > 8 || idWidth + sizeWidth > raw.size()) return std::nullopt;
+
+    Element element;
+    element.id = static_cast<std::uint32_t>(BigEndian(raw.first(idWidth)));
+    element.position = position;
+    element.data = position + idWidth + sizeWidth;
+    const std::uint64_t mask = (std::uint64_t{1} << (7 * sizeWidth)) - 1;
+    const std::uint64_t size = BigEndian(raw.subspan(idWidth, sizeWidth)) & mask;
+    element.unknownSize = size == mask;
+    if (element.unknownSize) return element;
+    if (size > limit - element.data) return std::nullopt;
+    element.size = size;
+    return element;
+}
+
 std::uint32_t CrcOf(IStorage& storage, std::uint64_t begin, std::uint64_t end) {
     Bytes buffer(std::min<std::uint64_t>(end - begin, 1 << 20));
     uLong checksum = crc32(0, nullptr, 0);
@@ -47,34 +67,14 @@ std::optional<Element> ReadElement(IStorage& storage, std::uint64_t position, st
     if (position >= limit) return std::nullopt;
     const std::size_t wanted = std::min<std::uint64_t>(raw.size(), limit - position);
     const std::size_t got = storage.ReadAt(position, std::span(raw).first(wanted));
-    if (got < 2) return std::nullopt;
-    const std::size_t idWidth = WidthOf(raw[0]);
-    if (idWidth > 4 || idWidth >= got) return std::nullopt;
-    const std::size_t sizeWidth = WidthOf(raw[idWidth]);
-    if (sizeWidth > 8 || idWidth + sizeWidth > got) return std::nullopt;
-
-    Element element;
-    element.id = static_cast<std::uint32_t>(BigEndian(std::span(raw).first(idWidth)));
-    element.position = position;
-    element.data = position + idWidth + sizeWidth;
-    const std::uint64_t mask = (std::uint64_t{1} << (7 * sizeWidth)) - 1;
-    const std::uint64_t size = BigEndian(std::span(raw).subspan(idWidth, sizeWidth)) & mask;
-    element.unknownSize = size == mask;
-    if (element.unknownSize) return element;
-    if (size > limit - element.data) return std::nullopt;
-    element.size = size;
-    return element;
+    return ParseHeader(std::span(raw).first(got), position, limit);
 }
 
-bool ForEachChild(IStorage& storage, std::uint64_t begin, std::uint64_t end,
-                  const std::function<bool(const Element&)>& visit) {
-    while (begin < end) {
-        const auto child = ReadElement(storage, begin, end);
-        if (!child || child->unknownSize) return false;
-        if (!visit(*child)) return true;
-        begin = child->End();
-    }
-    return begin == end;
+std::optional<Element> ReadElement(std::span<const std::uint8_t> bytes, std::uint64_t position, std::uint64_t limit) {
+    limit = std::min<std::uint64_t>(limit, bytes.size());
+    if (position >= limit) return std::nullopt;
+    const std::size_t wanted = std::min<std::uint64_t>(kLongestHeader, limit - position);
+    return ParseHeader(bytes.subspan(position, wanted), position, limit);
 }
 
 std::uint64_t ReadUnsigned(IStorage& storage, const Element& element) {
@@ -82,6 +82,11 @@ std::uint64_t ReadUnsigned(IStorage& storage, const Element& element) {
     if (element.size > raw.size()) return 0;
     const auto bytes = std::span(raw).first(element.size);
     return storage.ReadAt(element.data, bytes) == bytes.size() ? BigEndian(bytes) : 0;
+}
+
+std::uint64_t ReadUnsigned(std::span<const std::uint8_t> bytes, const Element& element) {
+    if (element.size > sizeof(std::uint64_t) || element.End() > bytes.size()) return 0;
+    return BigEndian(bytes.subspan(element.data, element.size));
 }
 
 double ReadFloat(IStorage& storage, const Element& element) {

@@ -4,7 +4,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -105,14 +104,25 @@ struct Element {
 /// The element whose header begins at `position`; nullopt if there is no well-formed header before `limit`, or the data
 /// ends beyond `limit`.
 std::optional<Element> ReadElement(IStorage& storage, std::uint64_t position, std::uint64_t limit);
+/// The same of bytes that have been read; positions are indices.
+std::optional<Element> ReadElement(std::span<const std::uint8_t> bytes, std::uint64_t position, std::uint64_t limit);
 
 /// Calls `visit` for each child between `begin` and `end`, until it returns false. False if the children do not fill
 /// the room exactly or one has an unknown size; visited ones were well-formed.
-bool ForEachChild(IStorage& storage, std::uint64_t begin, std::uint64_t end,
-                  const std::function<bool(const Element&)>& visit);
+template <class Source, class Visit>
+bool ForEachChild(Source&& source, std::uint64_t begin, std::uint64_t end, const Visit& visit) {
+    while (begin < end) {
+        const std::optional<Element> child = ReadElement(source, begin, end);
+        if (!child || child->unknownSize) return false;
+        if (!visit(*child)) return true;
+        begin = child->End();
+    }
+    return begin == end;
+}
 
 /// Values of leaf elements; an element that is too long for its kind gives 0 or an empty text.
 std::uint64_t ReadUnsigned(IStorage& storage, const Element& element);
+std::uint64_t ReadUnsigned(std::span<const std::uint8_t> bytes, const Element& element);
 double ReadFloat(IStorage& storage, const Element& element);
 std::string ReadText(IStorage& storage, const Element& element, std::size_t maximum);
 Bytes ReadBinary(IStorage& storage, const Element& element, std::size_t maximum);

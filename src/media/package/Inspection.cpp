@@ -178,12 +178,12 @@ std::vector<ChapterMark> ReadChapters(IStorage& storage, const PackageMap& map) 
 }
 
 /// What is wrong with the end of the file.
-void InspectTail(IStorage& storage, const PackageMap& map, Inspection& found) {
+void InspectTail(const PackageMap& map, Inspection& found) {
     const bool namesList = map.head.cues != 0;
     if (!namesList) return;
     if (map.head.cues >= map.fileSize) {
         found.damages.push_back({DamageKind::kCutOff, found.lengthMs, std::max(found.lengthMs, found.headLengthMs), 0});
-    } else if (!map.cues || !ReadCues(storage, *map.cues)) {
+    } else if (!map.cueEntries) {
         found.damages.push_back({DamageKind::kKeyFrameList, 0, 0, 0});
     }
 }
@@ -204,7 +204,7 @@ void InspectParts(FileStorage& storage, const PackageMap& map, Inspection& found
     found.entriesWait = map.Find(kJournalName) != nullptr;
     found.chapters = ReadChapters(storage, map);
     if (!FilesAreSound(storage, map)) found.damages.push_back({DamageKind::kStoredFiles, 0, 0, 0});
-    InspectTail(storage, map, found);
+    InspectTail(map, found);
 }
 
 void InspectMedia(IStorage& storage, const PackageMap& map, Inspection& found, const Progress& progress,

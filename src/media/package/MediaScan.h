@@ -8,15 +8,9 @@
 #include <vector>
 
 #include "media/package/Ebml.h"
+#include "media/package/PackageTypes.h"
 
 namespace kestrum::media {
-
-/// A place to seek to: the first block of a cluster.
-struct CueEntry {
-    std::int64_t ms = 0;
-    std::uint64_t cluster = 0;  ///< file position
-    std::uint64_t track = 1;    ///< 1 for a key frame; 2 where only sound was recorded
-};
 
 constexpr std::uint64_t kVideoTrack = 1;
 constexpr std::uint64_t kAudioTrack = 2;

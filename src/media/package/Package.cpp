@@ -58,7 +58,7 @@ bool StartsWithCluster(IStorage& storage, const CueEntry& cue) {
 bool HeadAndTailAreSound(IStorage& storage, const PackageMap& map) {
     if (!FilesAreSound(storage, map)) return false;
     if (!map.cues) return true;
-    const auto cues = ReadCues(storage, *map.cues);
+    const auto& cues = map.cueEntries;
     if (!cues || cues->empty() || !map.tracks || !map.head.durationMs) return false;
     return StartsWithCluster(storage, cues->front()) && StartsWithCluster(storage, cues->back());
 }

@@ -157,7 +157,8 @@ void ReadTail(IStorage& storage, PackageMap& map) {
         tail = cues->End();
         map.referencedEnd = tail;
         // A list that cannot be read says nothing that the media would not say again: a recovery writes it anew.
-        if (!ReadCues(storage, *cues)) return;
+        map.cueEntries = ReadCues(storage, *cues);
+        if (!map.cueEntries) return;
     }
     map.tailWhole = OnlyLeftovers(storage, tail, map.fileSize);
 }

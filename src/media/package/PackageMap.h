@@ -34,7 +34,8 @@ struct PackageMap {
     std::vector<ebml::Element> fileSets;  ///< the Attachments elements that count
     std::vector<AttachedFile> files;
     std::uint64_t mediaBegin = 0;
-    std::optional<ebml::Element> cues;  ///< the list of key frames that the head names
+    std::optional<ebml::Element> cues;                ///< the list of key frames that the head names
+    std::optional<std::vector<CueEntry>> cueEntries;  ///< what it says, ascending; none if it is damaged
     /// The end of the last element that the head names: all behind it up to the file's end is left over.
     std::uint64_t referencedEnd = 0;
     bool tailWhole = false;  ///< nothing lies behind the media's list of key frames but whole elements without media

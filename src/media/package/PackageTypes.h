@@ -72,4 +72,11 @@ struct RecoveryReport {
     bool indexPending = false;    ///< no project file was stored yet: the entries wait for one
 };
 
+/// A place to seek to: the first block of a cluster.
+struct CueEntry {
+    std::int64_t ms = 0;
+    std::uint64_t cluster = 0;  ///< file position
+    std::uint64_t track = 1;    ///< 1 for a key frame; 2 where only sound was recorded
+};
+
 }  // namespace kestrum::media

@@ -25,7 +25,7 @@ class PackageWriter::Impl {
         if (map.encrypted)
             throw Error(ErrorKind::kNotAPackage, "The package is encrypted. Decrypt it first (ksECT).", 0);
         if (!map.HoldsMedia()) return;
-        if (auto known = ReadCues(*storage, *map.cues)) oldCues = *std::move(known);
+        if (map.cueEntries) oldCues = *map.cueEntries;
         tracks = map.tracks;
     }
 

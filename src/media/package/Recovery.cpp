@@ -35,11 +35,9 @@ struct KnownMedia {
     std::int64_t lengthMs = 0;
 };
 
-KnownMedia ReadKnownMedia(IStorage& storage, const PackageMap& map) {
-    if (!map.cues) return {{}, map.mediaBegin, 0};
-    auto cues = ReadCues(storage, *map.cues);
-    if (!cues) return {{}, map.mediaBegin, 0};
-    return {*std::move(cues), map.cues->End(), StoredLength(map)};
+KnownMedia KnownMediaOf(const PackageMap& map) {
+    if (!map.cueEntries) return {{}, map.mediaBegin, 0};
+    return {*map.cueEntries, map.cues->End(), StoredLength(map)};
 }
 
 std::string AsText(const Bytes& bytes) {
@@ -98,7 +96,7 @@ MediaScan ScanForRecovery(IStorage& storage, const PackageMap& map, std::uint64_
 
 /// Repairs the media; returns their length.
 std::int64_t RecoverMedia(IStorage& storage, const PackageMap& map, RecoveryReport& report) {
-    KnownMedia known = ReadKnownMedia(storage, map);
+    KnownMedia known = KnownMediaOf(map);
     const MediaScan scan = ScanForRecovery(storage, map, known.unknownBegin);
     report.mediaChanged = known.cues.empty() || scan.anyCluster;
     known.cues.insert(known.cues.end(), scan.cues.begin(), scan.cues.end());
@@ -176,7 +174,7 @@ std::optional<RecoveryReport> RecoverIfInterrupted(IStorage& storage) {
 }
 
 MediaPreview PreviewMedia(IStorage& storage, const PackageMap& map) {
-    KnownMedia known = ReadKnownMedia(storage, map);
+    KnownMedia known = KnownMediaOf(map);
     MediaPreview preview{known.lengthMs, std::move(known.cues), false};
     if (map.tailWhole) return preview;
     const MediaScan scan = ScanMedia(storage, known.unknownBegin, AudioFrameMsOf(map), Damage::kStop);
