@@ -81,8 +81,9 @@ frmConfig::frmConfig(const devices::Context& c)
     cmdSave.onClick = [this] { cmdSave_Click(); };
     cmdCancel.onClick = [this] { Unload(); };
     SetLayout(ui::Column(
-        {ui::Row({ui::Group(frameRecording, {chkAutoRecord, chkSetVolBefRec, chkLowVolDetect, chkShowRecStatus,
-                                             chkSldRgnOnly, chkSkipPres, chkStartPen, chkEnableHotKey, chkShowAfter}),
+        {ui::Row({ui::Group(frameRecording,
+                            {chkAutoRecord, chkSetVolBefRec, chkLowVolDetect, ui::Row({chkShowRecStatus, chkStartPen}),
+                             chkSldRgnOnly, chkSkipPres, chkEnableHotKey, chkShowAfter}),
                   ui::Column({ui::Group(framePicture,
                                         {ui::Field(lFrameRate, cmbFrameRate), ui::Field(lVideoSize, cmbVideoSize),
                                          chkLayeredWin, chkHardware, chkCloseAero}),
