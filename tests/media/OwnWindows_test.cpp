@@ -138,7 +138,20 @@ TEST_P(OwnWindows, WhatChangesBelow_IsSeenAtOnce) {
     OwnWindow own(Display(), {500, 400, 100, 40});
     own.Appear();
     for (const auto colour : {kGreen, kBlue, kRed}) {
-        m_slide.FillArea(colour, 500, 400, 100, 40);
+        m_slide.FillArea(colour, 490, 390, 120, 60);
+        EXPECT_TRUE(eye.Shows(colour, 550, 420));
+    }
+    EXPECT_FALSE(eye.HasColour(kOwn));
+}
+
+// A compositor paints nothing for a change that an opaque window covers whole; then the regular look at all finds it.
+TEST_P(OwnWindows, WhatChangesOnlyBelow_IsSeenAtTheNextSweepAtLatest) {
+    Eye eye(Display());
+    OwnWindow own(Display(), {500, 400, 100, 40});
+    own.Appear();
+    for (const auto colour : {kGreen, kBlue, kRed}) {
+        m_slide.FillArea(colour, 510, 410, 80, 20);
+        if (GetParam()) eye.Sweep();
         EXPECT_TRUE(eye.Shows(colour, 550, 420));
     }
     EXPECT_FALSE(eye.HasColour(kOwn));

@@ -57,14 +57,11 @@ void WindowStack::Handle(const xcb_generic_event_t& event) {
             m_marks.clear();
             m_stale = true;
             break;
-        case XCB_DESTROY_NOTIFY:
-            m_marks.erase(reinterpret_cast<const xcb_destroy_notify_event_t&>(event).window);
-            m_stale |= HasOwn();
-            break;
         case XCB_CONFIGURE_NOTIFY:
             m_stale |= HasOwn();
             if (m_stale) NoteMove(reinterpret_cast<const xcb_configure_notify_event_t&>(event));
             break;
+        case XCB_DESTROY_NOTIFY:
         case XCB_UNMAP_NOTIFY:
         case XCB_REPARENT_NOTIFY:
         case XCB_CIRCULATE_NOTIFY:
@@ -110,10 +107,14 @@ void WindowStack::Read() {
         window.isOwn = mark.isOwn;
         window.opacity = mark.opacity;
     }
+    // A window that moved may have gone since; its mark is still known.
     for (const auto& [window, place] : std::exchange(m_moves, {})) {
         const auto mark = m_marks.find(window);
         if (mark != m_marks.end() && mark->second.isOwn) m_passed.push_back(place);
     }
+    std::erase_if(m_marks, [&children](const auto& mark) {
+        return std::find(children.begin(), children.end(), mark.first) == children.end();
+    });
 }
 
 WindowStack::Mark WindowStack::MarkOf(xcb_window_t window, int depth) {
