@@ -18,6 +18,7 @@
 #include "adapters/qt/QtText.h"
 #include "qt/DemoForms.h"
 #include "qt/Screen.h"
+#include "real/TestWindow.h"
 
 namespace kestrum::qt {
 namespace {
@@ -307,6 +308,27 @@ TEST_F(QtPresenterTest, Notice_ComesBackOnTopOfAWindowThatCoversIt) {
     const QPoint spot = WindowOf(notice).pos() + QPoint(4, 4);
     EXPECT_TRUE(PumpUntil([&] { return ScreenColour(1, 1) == QColor(Qt::green); }));
     EXPECT_TRUE(PumpUntil([&] { return ScreenColour(spot.x(), spot.y()) == QColor(0x24, 0x2B, 0x35); }));
+}
+
+TEST_F(QtPresenterTest, Notice_ComesBackAtOnce_WithoutATimerOfTheCore) {
+    auto& notice = forms.Get<DemoNotice>(context);
+    notice.Show();
+    notice.Refresh();
+    const QRect place = WindowOf(notice).geometry();
+    const auto isSeen = [&] { return ScreenColour(place.x() + 4, place.y() + 4) == QColor(0x24, 0x2B, 0x35); };
+    real::TestWindow show(Screen::Get().Display(), 0, 0, Screen::kWidth, Screen::kHeight);
+    show.Fill(0x00FF00);
+    EXPECT_FALSE(isSeen());
+    EXPECT_TRUE(real::WaitFor([&] {
+        loop.PaintWindows(10);
+        return isSeen();
+    }));
+    show.Raise();
+    show.Fill(0x00FF00);
+    EXPECT_TRUE(real::WaitFor([&] {
+        loop.PaintWindows(10);
+        return isSeen();
+    })) << "and again";
 }
 
 TEST_F(QtPresenterTest, Mask_CoversExactlyItsPixels) {

@@ -1,0 +1,24 @@
+// Who came above whom on the desktop, told by the display.
+#pragma once
+
+#include <QAbstractNativeEventFilter>
+#include <functional>
+
+namespace kestrum::qt {
+
+/// Tells when the order of the desktop's windows, or which of them are to be seen, may have changed: as soon as the
+/// server does, inside the toolkit's event. Tells nothing where the toolkit does not draw on X11.
+class StackWatch : private QAbstractNativeEventFilter {
+  public:
+    explicit StackWatch(std::function<void()> changed);
+    StackWatch(const StackWatch&) = delete;
+    StackWatch& operator=(const StackWatch&) = delete;
+    ~StackWatch() override;
+
+  private:
+    bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
+
+    std::function<void()> m_changed;
+};
+
+}  // namespace kestrum::qt
