@@ -68,6 +68,7 @@ TEST_F(WorkerKillsTest, AtAnyMoment_ThePackageIsReadable_AndOnlyTheLastMomentIsL
     std::mt19937 random(20261121);
     std::vector<double> lostMs;
     int lostEntries = 0, allEntries = 0;
+    double oldestLostMs = 0;  // age of an entry that was lost
     for (int round = 0; round < Rounds(); ++round) {
         ASSERT_NO_FATAL_FAILURE(RecordAndKill(300 + static_cast<int>(random() % 2500)));
         ASSERT_NE(m_lib.verifyWholeKsFile(Package()), 0) << "unreadable after " << round << " rounds";
@@ -82,7 +83,8 @@ TEST_F(WorkerKillsTest, AtAnyMoment_ThePackageIsReadable_AndOnlyTheLastMomentIsL
             ++allEntries;
             if (isThere) continue;
             ++lostEntries;
-            EXPECT_LT(Ms(killed - entry.taken), kAtMostMs) << "an entry that was long in the file";
+            oldestLostMs = std::max(oldestLostMs, Ms(killed - entry.taken));
+            EXPECT_LT(oldestLostMs, kAtMostMs) << "an entry that was long in the file";
         }
         std::filesystem::remove(ToUtf8(Package()));
     }
@@ -91,8 +93,9 @@ TEST_F(WorkerKillsTest, AtAnyMoment_ThePackageIsReadable_AndOnlyTheLastMomentIsL
         return lostMs[static_cast<std::size_t>(part * static_cast<double>(lostMs.size() - 1))];
     };
     const auto above = std::count_if(lostMs.begin(), lostMs.end(), [](double ms) { return ms > 100; });
-    std::printf("%zu kills: lost ms median %.0f, 95%% %.0f, most %.0f; more than 100 ms: %zd; entries lost %d of %d\n",
-                lostMs.size(), share(0.5), share(0.95), lostMs.back(), above, lostEntries, allEntries);
+    std::printf("%zu kills: lost ms median %.0f, 95%% %.0f, most %.0f; more than 100 ms: %zd; entries lost %d of %d, "
+                "the oldest %.0f ms old\n",
+                lostMs.size(), share(0.5), share(0.95), lostMs.back(), above, lostEntries, allEntries, oldestLostMs);
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ namespace kestrum::media {
 namespace {
 
 // With the time that the sound takes through its server and its encoder, a kill costs less than 100 ms.
-constexpr auto kFlushInterval = std::chrono::milliseconds(50);
+constexpr auto kFlushInterval = std::chrono::milliseconds(20);
 constexpr std::int64_t kSyncNs = 3 * kNsPerSecond;
 constexpr std::int64_t kRoomCheckNs = 2 * kNsPerSecond;
 constexpr std::int64_t kJournalPatienceNs = kNsPerSecond;
