@@ -13,7 +13,7 @@ let browser = null;
 after(async () => { if (browser) await browser.close(); });
 
 export async function theBrowser() {
-  return browser ??= await chromium.launch({ executablePath: BROWSER, headless: true, args: FLAGS, timeout: 120000 });
+  return browser ??= await chromium.launch({ executablePath: BROWSER, headless: !process.env.BROWSER_ON_SCREEN, args: FLAGS, timeout: 120000 });
 }
 
 /**
