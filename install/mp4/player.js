@@ -115,7 +115,7 @@
     });
   }
 
-  /// The page shows its words once it has them all.
+  /// The page shows its words once it has them all; whatever asks where something lies comes after this.
   const showPage = () => { document.documentElement.dataset.ready = ''; };
 
   applyTexts();
@@ -128,6 +128,6 @@
   }
   const lecture = player.readLecture(window.config, texts);
   showHead(lecture);
-  openLecture(lecture);
   showPage();
+  openLecture(lecture);
 })(window.player);

@@ -36,6 +36,22 @@ for (const look of ['light', 'dark']) {
   });
 }
 
+test('The cover is painted alone, and where the movie will be', async (t) => {
+  const early = () => document.addEventListener('DOMContentLoaded', () => {
+    window.early = { box: document.querySelector('#video').getBoundingClientRect().toJSON(),
+      others: ['#head', '.panel', '#index', '#start'].filter((name) => document.querySelector(name).checkVisibility()) };
+  });
+  for (const [width, height] of SCREENS) {
+    const page = await watch(t, new Publication(), { width, height, init: early });
+    const { box, others } = await page.evaluate(() => window.early);
+    const now = await page.evaluate(() => document.querySelector('#video').getBoundingClientRect().toJSON());
+    assert.deepEqual(others, [], `${width}x${height}`);
+    for (const side of ['left', 'top', 'width', 'height']) {
+      assert.ok(Math.abs(box[side] - now[side]) <= 2, `${width}x${height}: ${side} ${box[side]}, then ${now[side]}`);
+    }
+  }
+});
+
 test('On a phone the picture stays in sight while the reader looks through the slides', async (t) => {
   const titles = Array.from({ length: 40 }, (_, at) => `Slide ${at + 1}`);
   const page = await watch(t, new Publication({ config: { index: entriesOf(titles, 1) } }), { width: 360, height: 740, hasTouch: true, isMobile: true });
