@@ -93,9 +93,10 @@ TEST_F(WorkerKillsTest, AtAnyMoment_ThePackageIsReadable_AndOnlyTheLastMomentIsL
         return lostMs[static_cast<std::size_t>(part * static_cast<double>(lostMs.size() - 1))];
     };
     const auto above = std::count_if(lostMs.begin(), lostMs.end(), [](double ms) { return ms > 100; });
-    std::printf("%zu kills: lost ms median %.0f, 95%% %.0f, most %.0f; more than 100 ms: %zd; entries lost %d of %d, "
-                "the oldest %.0f ms old\n",
-                lostMs.size(), share(0.5), share(0.95), lostMs.back(), above, lostEntries, allEntries, oldestLostMs);
+    std::printf(
+        "%zu kills: lost ms median %.0f, 95%% %.0f, most %.0f; more than 100 ms: %zd; entries lost %d of %d, "
+        "the oldest %.0f ms old\n",
+        lostMs.size(), share(0.5), share(0.95), lostMs.back(), above, lostEntries, allEntries, oldestLostMs);
 }
 
 }  // namespace
