@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "media/StreamDecoder.h"
 #include "media/capture/Area.h"
 #include "media/capture/AudioEncoder.h"
 #include "media/capture/ColourConvert.h"
@@ -158,6 +159,51 @@ TEST(AudioEncoderTest, UnitsAreNumberedByTheSamplesTheyHold) {
     encoder.Finish(output);
     EXPECT_EQ(frames, (std::vector<std::int64_t>{0, 1024, 2048, 3072, 4096}));
     EXPECT_GE(encoder.AudioSpecificConfig().size(), 2U);
+}
+
+/// Two tones, of 1 and of 8.5 kHz: what is left of each after encoding, 0 to 1.
+struct Tones {
+    double low = 0, high = 0;
+};
+
+Tones TonesAfter(const AudioLayout& layout) {
+    constexpr double kLow = 1000, kHigh = 8500;
+    constexpr int kUnits = 40;
+    const auto sine = [&](double hertz, int frame) { return std::sin(2 * M_PI * hertz * frame / layout.rate); };
+    std::vector<float> samples;
+    for (int i = 0; i < kUnits * AudioEncoder::kFramesPerUnit; ++i) {
+        samples.push_back(static_cast<float>(0.2 * (sine(kLow, i) + sine(kHigh, i))));
+    }
+    AudioEncoder encoder(layout);
+    test::StreamDecoder decoder(encoder.AudioSpecificConfig(), AV_CODEC_ID_AAC);
+    std::vector<float> decoded;
+    const auto output = [&](std::int64_t, std::span<const std::uint8_t> unit) {
+        const AVFrame* frame = decoder.Decode(unit);
+        ASSERT_NE(frame, nullptr);
+        const auto* first = reinterpret_cast<const float*>(frame->data[0]);
+        decoded.insert(decoded.end(), first, first + frame->nb_samples);
+    };
+    encoder.Encode(samples, output);
+    encoder.Finish(output);
+    const auto strength = [&](double hertz) {
+        double real = 0, imaginary = 0;
+        const int count = static_cast<int>(decoded.size());
+        for (int i = 0; i < count; ++i) {
+            real += decoded[static_cast<std::size_t>(i)] * std::cos(2 * M_PI * hertz * i / layout.rate);
+            imaginary += decoded[static_cast<std::size_t>(i)] * sine(hertz, i);
+        }
+        return 2 * std::hypot(real, imaginary) / count / 0.2;
+    };
+    return {strength(kLow), strength(kHigh)};
+}
+
+TEST(AudioEncoderTest, FewBits_AreSpentOnWhatWordsAreToldApartBy) {
+    const Tones few = TonesAfter({48000, 1, 32000});
+    EXPECT_NEAR(few.low, 1, 0.1);
+    EXPECT_LT(few.high, 0.05);
+    const Tones more = TonesAfter({48000, 1, 64000});
+    EXPECT_NEAR(more.low, 1, 0.1);
+    EXPECT_NEAR(more.high, 1, 0.1);
 }
 
 TEST(ColourConvertTest, PrimariesAreThoseOfBt709) {

@@ -1,4 +1,4 @@
-// An independent decoder of the recorder's stream that gives each picture at once.
+// An independent decoder of the recorder's streams that gives each picture, or unit of sound, at once.
 #pragma once
 
 extern "C" {
@@ -18,18 +18,18 @@ namespace kestrum::media::test {
 class StreamDecoder {
   public:
     /// Throws if the decoder does not take the header.
-    explicit StreamDecoder(const Bytes& avcC) {
-        m_context.reset(avcodec_alloc_context3(avcodec_find_decoder(AV_CODEC_ID_H264)));
-        m_context->extradata = static_cast<std::uint8_t*>(av_mallocz(avcC.size() + AV_INPUT_BUFFER_PADDING_SIZE));
-        std::copy(avcC.begin(), avcC.end(), m_context->extradata);
-        m_context->extradata_size = static_cast<int>(avcC.size());
+    explicit StreamDecoder(const Bytes& header, AVCodecID codec = AV_CODEC_ID_H264) {
+        m_context.reset(avcodec_alloc_context3(avcodec_find_decoder(codec)));
+        m_context->extradata = static_cast<std::uint8_t*>(av_mallocz(header.size() + AV_INPUT_BUFFER_PADDING_SIZE));
+        std::copy(header.begin(), header.end(), m_context->extradata);
+        m_context->extradata_size = static_cast<int>(header.size());
         m_context->flags |= AV_CODEC_FLAG_LOW_DELAY;
         m_context->err_recognition = AV_EF_EXPLODE | AV_EF_BITSTREAM | AV_EF_BUFFER;
         m_context->thread_count = 1;
         if (avcodec_open2(m_context.get(), nullptr, nullptr) != 0) throw std::runtime_error("no decoder");
     }
 
-    /// The picture of a sample, valid until the next call; null if it cannot be decoded whole.
+    /// What a sample holds, valid until the next call; null if it cannot be decoded whole.
     const AVFrame* Decode(std::span<const std::uint8_t> sample) {
         Bytes padded(sample.begin(), sample.end());
         padded.resize(padded.size() + AV_INPUT_BUFFER_PADDING_SIZE);
