@@ -27,6 +27,13 @@ struct RecordingKind {
     bool still = false;  ///< one picture each two seconds only
 };
 
+/// Tells whether a track is the same, byte by byte.
+inline std::string EncodedHash(const std::string& movie, const std::string& track) {
+    return real::Run({"ffmpeg", "-v", "error", "-i", movie, "-map", track, "-c", "copy", "-bsf:v", "h264_mp4toannexb",
+                      "-f", "streamhash", "-"})
+        .output;
+}
+
 class ConvertTest : public testing::Test {
   protected:
     ConvertTest() { av_log_set_level(AV_LOG_FATAL); }

@@ -16,12 +16,6 @@ std::string VideoHash(const std::string& movie) {
     return real::Run({"ffmpeg", "-v", "error", "-i", movie, "-map", "0:v:0", "-f", "md5", "-"}).output;
 }
 
-std::string EncodedHash(const std::string& movie, const std::string& track) {
-    return real::Run({"ffmpeg", "-v", "error", "-i", movie, "-map", track, "-c", "copy", "-bsf:v", "h264_mp4toannexb",
-                      "-f", "streamhash", "-"})
-        .output;
-}
-
 TEST_F(ConvertTest, Convert_WhenNothingChanges_CopiesPicturesAndSound) {
     const auto package = MakeRecording("lecture.ktr", {});
     ASSERT_EQ(ConvertToMp4(Request(package), {}), ConvertOutcome::kFinished);

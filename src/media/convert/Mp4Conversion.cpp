@@ -20,9 +20,10 @@ namespace {
 
 struct StopRequested {};
 
-bool EntriesOnKeyFrames(const PackageInput& input, const std::vector<ConvertEntry>& entries) {
-    return std::all_of(entries.begin(), entries.end(),
-                       [&](const ConvertEntry& entry) { return input.IsKeyFrame(entry.pos); });
+bool EntriesOnKeyFrames(const std::string& package, const std::vector<ConvertEntry>& entries) {
+    std::vector<std::int64_t> positions;
+    for (const ConvertEntry& entry : entries) positions.push_back(entry.pos);
+    return PackageInput(package).HasKeyFramesAt(positions);
 }
 
 bool KeepsSize(const ConvertRequest& request, const AVCodecParameters& source) {
@@ -47,7 +48,7 @@ PicturePlan PlanPictures(const ConvertRequest& request, const std::vector<Conver
                      (sameSize ? source.height : request.height) / 2 * 2, request.videoKbps};
     if (input.Camera() != nullptr) plan.camera = FitInto(request.camera, plan.settings.width, plan.settings.height);
     plan.copy = source.codec_id == AV_CODEC_ID_H264 && request.videoKbps <= 0 && sameSize && plan.camera.width == 0 &&
-                EntriesOnKeyFrames(input, entries) && HasPictureFrom(request.package, kCoverMs);
+                EntriesOnKeyFrames(request.package, entries) && HasPictureFrom(request.package, kCoverMs);
     return plan;
 }
 

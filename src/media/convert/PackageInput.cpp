@@ -46,11 +46,15 @@ void PackageInput::ReadCameraToo() {
     if (m_camera != nullptr) m_camera->discard = AVDISCARD_DEFAULT;
 }
 
-bool PackageInput::IsKeyFrame(std::int64_t pos) const {
-    const std::int64_t wanted = av_rescale_q(pos, AVRational{1, 1000}, m_video->time_base);
-    const AVIndexEntry* entry = avformat_index_get_entry_from_timestamp(m_video, wanted, AVSEEK_FLAG_BACKWARD);
-    return entry != nullptr && (entry->flags & AVINDEX_KEYFRAME) != 0 &&
-           ToMs(entry->timestamp, m_video->time_base) == pos;
+bool PackageInput::HasKeyFramesAt(const std::vector<std::int64_t>& positions) {
+    // The list is read at the first jump; before it only the pictures are known that were looked at to open the file.
+    if (av_seek_frame(m_input.get(), m_video->index, 0, AVSEEK_FLAG_BACKWARD) < 0) return positions.empty();
+    return std::all_of(positions.begin(), positions.end(), [this](std::int64_t position) {
+        const std::int64_t wanted = av_rescale_q(position, AVRational{1, 1000}, m_video->time_base);
+        const AVIndexEntry* entry = avformat_index_get_entry_from_timestamp(m_video, wanted, AVSEEK_FLAG_BACKWARD);
+        return entry != nullptr && (entry->flags & AVINDEX_KEYFRAME) != 0 &&
+               ToMs(entry->timestamp, m_video->time_base) == position;
+    });
 }
 
 std::vector<ConvertEntry> PackageInput::Chapters() const {

@@ -23,8 +23,9 @@ class PackageInput {
     AVStream* Camera() const { return m_camera; }
     void ReadCameraToo();
     std::int64_t LengthMs() const { return m_lengthMs; }
-    /// True if a picture at exactly `pos` is a key frame by the file's own list.
-    bool IsKeyFrame(std::int64_t pos) const;
+    /// True if there is a key frame at exactly each of `positions` (ms), by the file's own list. Reading that list jumps:
+    /// what Read gives next is not what it would have given.
+    bool HasKeyFramesAt(const std::vector<std::int64_t>& positions);
     std::vector<ConvertEntry> Chapters() const;
 
     /// The next packet of a track; false at the end. Packets of other tracks are passed over.
