@@ -23,8 +23,8 @@ class PackageInput {
     AVStream* Camera() const { return m_camera; }
     void ReadCameraToo();
     std::int64_t LengthMs() const { return m_lengthMs; }
-    /// True if there is a key frame at exactly each of `positions` (ms), by the file's own list. Reading that list jumps:
-    /// what Read gives next is not what it would have given.
+    /// True if there is a key frame at exactly each of `positions` (ms), by the file's own list. Reading that list
+    /// jumps: what Read gives next is not what it would have given.
     bool HasKeyFramesAt(const std::vector<std::int64_t>& positions);
     std::vector<ConvertEntry> Chapters() const;
 
