@@ -123,7 +123,8 @@ def run(minutes, folder, recording=None):
 def main(arguments):
     if arguments[:1] == ["--inside"]:
         return run(int(arguments[1]), pathlib.Path(arguments[2]), *arguments[3:])
-    surroundings.build("stage_show", "record_bench", "repeat_lecture", "kestrum", "ksmedia", "install_files")
+    surroundings.build("stage_show", "record_bench", "repeat_lecture", "kestrum", "ksmedia",
+                       "mp4GetKeyFrame", "install_files")
     with tempfile.TemporaryDirectory() as name:
         speech = pathlib.Path(name) / "speech.txt"
         speech.write_text(SPEECH)

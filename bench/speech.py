@@ -152,18 +152,26 @@ def lag(reference, signal):
 
 
 def in_step(parts, whole, signal):
-    """Each sentence's stretch of the signal, and by how much the stretches lie apart from the first one's place, ms."""
+    """Each sentence's stretch of the signal, second by second at its place, and by how much the sentences' places lie
+    apart, ms. A recorder that keeps step with the clock moves the sound of a card that runs at a pace of its own."""
     coarse = lag(whole, signal)
-    margin = RATE // 10
-    stretches, lags = [], []
     padded = numpy.concatenate([numpy.zeros(RATE), signal, numpy.zeros(2 * RATE)])
+
+    def place(begin, end, about, margin):
+        first = RATE + begin + about - margin
+        return about - margin + lag(whole[begin:end], padded[first:first + end - begin + 2 * margin])
+
+    stretches, places = [], []
     for part in parts:
-        begin = RATE + part.begin + coarse
-        played = whole[part.begin:part.begin + len(part.clean)]
-        near = lag(played, padded[begin - margin:begin + len(played) + margin]) - margin
-        lags.append(near)
-        stretches.append(padded[begin + near:begin + near + len(played)])
-    return stretches, 1000 * (max(lags) - min(lags)) / RATE
+        end = part.begin + len(part.clean)
+        places.append(place(part.begin, end, coarse, RATE // 10))
+        pieces, at = [], places[-1]
+        edges = [*range(part.begin, max(part.begin + 1, end - RATE // 2), RATE), end]
+        for begin, stop in zip(edges, edges[1:]):
+            at = place(begin, stop, at, RATE // 100)
+            pieces.append(padded[RATE + begin + at:RATE + stop + at])
+        stretches.append(numpy.concatenate(pieces))
+    return stretches, 1000 * (max(places) - min(places)) / RATE
 
 
 def resampled(samples, rate):
@@ -195,7 +203,7 @@ def recognised(stretches, folder):
         samples = resampled(numpy.concatenate([stretch, numpy.zeros(RATE // 4)]), 16000)
         (folder / f"{name}.raw").write_bytes((numpy.clip(samples, -1, 1) * 32767).astype("<i2").tobytes())
     (folder / "list").write_text("\n".join(names) + "\n")
-    tool("nice", "pocketsphinx_batch", "-hmm", MODEL / "en-us", "-lm", MODEL / "en-us.lm.bin", "-dict",
+    tool("nice", "pocketsphinx_batch", "-fwdflat", "no", "-bestpath", "no", "-hmm", MODEL / "en-us", "-lm", MODEL / "en-us.lm.bin", "-dict",
          MODEL / "cmudict-en-us.dict", "-ctl", folder / "list", "-cepdir", folder, "-cepext", ".raw", "-adcin", "yes", "-hyp",
          folder / "heard")
     return [line.rsplit("(", 1)[0].split() for line in (folder / "heard").read_text().splitlines()]
@@ -204,7 +212,7 @@ def recognised(stretches, folder):
 def word_errors(parts, ways, folder):
     """Share of the words that are wrong, of the voices that a recogniser can be expected to understand."""
     chosen = [at for at, part in enumerate(parts) if part.group != "espeak-ng"]
-    print(f"\n{'words':<16}{'wrong':>8}{'of':>6}{'rate':>8}   unlike those of the input (a person's too)")
+    print(f"\n{'words':<16}{'wrong':>8}{'of':>6}{'rate':>8}   unlike those of the input (a person's too)", flush=True)
     input_heard = None
     for name, stretches in ways.items():
         heard = recognised([stretches[at] for at in chosen], folder / "words")
@@ -235,7 +243,7 @@ def run(folder):
             those = [at for at, part in enumerate(parts) if (part.group, part.noisy) == key]
             told.append(intelligibility([parts[at] for at in those], [stretches[at] for at in those]))
         print(f"{name:<16}" + "".join(f"{value:18.4f}" for value in told) +
-              f"{sound_kbps(file):9.1f}" + (f"   stretched by {apart:.1f} ms" if apart > 1 else ""), flush=True)
+              f"{sound_kbps(file):9.1f}" + (f"   moved by {apart:.0f} ms" if apart > 1 else ""), flush=True)
     if shutil.which("pocketsphinx_batch") and MODEL.exists():
         word_errors(parts, ways, folder)
 

@@ -17,8 +17,7 @@ _WINDOW = numpy.hanning(_FRAME + 2)[1:-1]
 
 
 def _frames(signal):
-    count = (len(signal) - _FRAME) // _HOP + 1
-    return numpy.stack([signal[i * _HOP:i * _HOP + _FRAME] for i in range(count)]) * _WINDOW
+    return numpy.lib.stride_tricks.sliding_window_view(signal, _FRAME)[::_HOP] * _WINDOW
 
 
 def _joined(frames):
@@ -44,23 +43,26 @@ def _band_matrix():
     return numpy.array([[low <= bin_ < high for bin_ in range(len(at))] for low, high in edges], dtype=float)
 
 
+_BANDS_OF_BINS = _band_matrix().T
+
+
 def _bands(signal):
     power = numpy.abs(numpy.fft.rfft(_frames(signal), _FFT)) ** 2
-    return numpy.sqrt(power @ _band_matrix().T).T  # band, frame
+    return numpy.sqrt(power @ _BANDS_OF_BINS).T  # band, frame
+
+
+def _length(segments):
+    return numpy.sqrt((segments ** 2).sum(axis=2, keepdims=True))
 
 
 def stoi(clean, other):
     """Of two signals at RATE of the same length, in step."""
-    x, y = (_bands(signal) for signal in _without_silence(clean, other))
+    x, y = (numpy.lib.stride_tricks.sliding_window_view(_bands(signal), _SEGMENT, axis=1)
+            for signal in _without_silence(clean, other))  # band, segment, frame
     worst = 1 + 10 ** (-_LOWER_BOUND_DB / 20)
-    told = []
-    for end in range(_SEGMENT, x.shape[1] + 1):
-        a, b = x[:, end - _SEGMENT:end], y[:, end - _SEGMENT:end]
-        scale = numpy.linalg.norm(a, axis=1) / (numpy.linalg.norm(b, axis=1) + 1e-12)
-        b = numpy.minimum(b * scale[:, None], a * worst)
-        a, b = a - a.mean(axis=1, keepdims=True), b - b.mean(axis=1, keepdims=True)
-        told.append((a * b).sum(axis=1) / (numpy.linalg.norm(a, axis=1) * numpy.linalg.norm(b, axis=1) + 1e-12))
-    return float(numpy.mean(told))
+    y = numpy.minimum(y * _length(x) / (_length(y) + 1e-12), x * worst)
+    x, y = x - x.mean(axis=2, keepdims=True), y - y.mean(axis=2, keepdims=True)
+    return float(numpy.mean((x * y).sum(axis=2, keepdims=True) / (_length(x) * _length(y) + 1e-12)))
 
 
 def self_test(speech):
