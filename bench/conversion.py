@@ -115,7 +115,8 @@ def run(minutes, folder, recording=None):
     subprocess.run([surroundings.PROGRAMS / "repeat_lecture", short, lecture, str(minutes),
                     surroundings.INSTALL / "default.ksp"], check=True)
     print(f"a lecture of {minutes} minutes, {lecture.stat().st_size / 1e6:.1f} MB")
-    print(f"{'':22}{'CPU s':>9}{'wall s':>9}{'MB':>9}{'copied':>9}{'SSIM':>9}{'times the CPU and wall of Kestrum':>35}", flush=True)
+    print(f"{'':22}" + "".join(f"{title:>9}" for title in ("CPU s", "wall s", "MB", "copied", "SSIM")) +
+          "   times the CPU and wall of Kestrum", flush=True)
     for job in JOBS:
         measure(*job, lecture, folder)
 

@@ -203,9 +203,9 @@ def recognised(stretches, folder):
         samples = resampled(numpy.concatenate([stretch, numpy.zeros(RATE // 4)]), 16000)
         (folder / f"{name}.raw").write_bytes((numpy.clip(samples, -1, 1) * 32767).astype("<i2").tobytes())
     (folder / "list").write_text("\n".join(names) + "\n")
-    tool("nice", "pocketsphinx_batch", "-fwdflat", "no", "-bestpath", "no", "-hmm", MODEL / "en-us", "-lm", MODEL / "en-us.lm.bin", "-dict",
-         MODEL / "cmudict-en-us.dict", "-ctl", folder / "list", "-cepdir", folder, "-cepext", ".raw", "-adcin", "yes", "-hyp",
-         folder / "heard")
+    tool("pocketsphinx_batch", "-fwdflat", "no", "-bestpath", "no", "-hmm", MODEL / "en-us", "-lm", MODEL / "en-us.lm.bin",
+         "-dict", MODEL / "cmudict-en-us.dict", "-ctl", folder / "list", "-cepdir", folder, "-cepext", ".raw", "-adcin", "yes",
+         "-hyp", folder / "heard")
     return [line.rsplit("(", 1)[0].split() for line in (folder / "heard").read_text().splitlines()]
 
 

@@ -60,7 +60,8 @@ class Window:
         self._display = ctypes.c_void_p(self._x.XOpenDisplay(None))
         self._gc = ctypes.c_void_p(self._x.XDefaultGC(self._display, 0))
         root = ctypes.c_ulong(self._x.XDefaultRootWindow(self._display))
-        self._window = ctypes.c_ulong(self._x.XCreateSimpleWindow(self._display, root, 0, 0, WIDTH, HEIGHT, 0, 0, ctypes.c_ulong(0)))
+        black = no_border = ctypes.c_ulong(0)
+        self._window = ctypes.c_ulong(self._x.XCreateSimpleWindow(self._display, root, 0, 0, WIDTH, HEIGHT, 0, no_border, black))
         self._x.XMapRaised(self._display, self._window)
         self._x.XSync(self._display, 0)
 
@@ -264,8 +265,6 @@ def measure(way, rate, events, folder):
             print(f"an event at {(flash - recorder.start_ns) / 1e9:.2f} s is missing: picture {picture_off}, sound {sound_off}")
             continue
         rows.append((picture_off, sound_off, picture_off - sound_off))
-    if os.environ.get("KESTRUM_SYNC_ROWS"):
-        numpy.savetxt(pathlib.Path(os.environ["KESTRUM_SYNC_ROWS"]) / f"{way}{rate}.txt", rows, "%.2f")
     print(f"{way:8}{rate:5}{len(rows):8}   " + "   ".join(describe(column) for column in zip(*rows)), flush=True)
 
 
@@ -283,7 +282,8 @@ def main(arguments):
         return run(int(arguments[2]), arguments[3:], pathlib.Path(arguments[1]))
     surroundings.build("record_bench")
     with tempfile.TemporaryDirectory() as name:
-        return surroundings.run_inside(__file__, [name, *(arguments[:1] or [60]), *(arguments[1:] or ["card", "system", "mic"])])
+        events, ways = arguments[:1] or [60], arguments[1:] or ["card", "system", "mic"]
+        return surroundings.run_inside(__file__, [name, *events, *ways])
 
 
 if __name__ == "__main__":
