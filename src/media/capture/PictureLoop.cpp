@@ -99,8 +99,12 @@ void PictureLoop::TakeDuePicture() {
     if (!IsPictureDue(now)) return;
     const bool sweep = now >= m_lastSweepNs + kSweepNs;
     if (sweep) m_lastSweepNs = now;
+    const bool hadNews = m_source.GetScreen().HasNews();
+    const std::int64_t due = m_nextDueNs;
     Taken(now);
     const bool changed = m_source.Refresh(sweep);
+    // A look at a still screen that found nothing keeps no picture back.
+    if (!changed && !hadNews) m_nextDueNs = due;
     if (!changed && now < m_lastSentNs + kStillNs) return;
     // A promise made meanwhile goes first; its picture shows this change too.
     if (const auto position = m_clock.Stamp(now)) Send(*position, now >= m_lastKeyNs + kLongestKeyDistanceNs, changed);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <functional>
+#include <optional>
 #include <utility>
 
 #include "media/capture/CaptureError.h"
@@ -25,6 +26,18 @@ constexpr std::int64_t kSilenceLagNs = 300 * kNsPerMs;
 constexpr std::int64_t kStallNs = 5 * kNsPerSecond;
 // Sound comes in blocks of about 20 ms.
 constexpr int kBlocksPerSecond = 50;
+// The server's own delay is not what it will be when a stream is new, and changes when other programs come and go.
+constexpr std::int64_t kFirstQuestionsNs = 50 * kNsPerMs;
+constexpr std::int64_t kQuestionsNs = kNsPerSecond;
+constexpr std::int64_t kSteadyDelayNs = 2 * kNsPerMs;
+constexpr std::int64_t kBelievableDelayNs = 3 * kNsPerSecond;
+
+struct OperationDeleter {
+    void operator()(pa_operation* operation) const {
+        pa_operation_cancel(operation);
+        pa_operation_unref(operation);
+    }
+};
 
 struct StreamDeleter {
     void operator()(pa_stream* stream) const {
@@ -44,7 +57,7 @@ class Source {
     SampleClock& Clock() { return m_clock; }
     bool IsReady() const { return m_stream && pa_stream_get_state(m_stream.get()) == PA_STREAM_READY; }
     /// Samples come, and the server knows how old they are: without that the first ones cannot be placed.
-    bool IsSettled() const { return m_hasAge && std::abs(m_ageNs) < kBelievableAgeNs; }
+    bool IsSettled() const { return m_hasAge && m_hasDelay && std::abs(m_ageNs) < kBelievableAgeNs; }
     bool HasFailed() const { return !m_stream || !PA_STREAM_IS_GOOD(pa_stream_get_state(m_stream.get())); }
 
     void Connect(pa_context* context) {
@@ -64,6 +77,7 @@ class Source {
         m_hasSound = false;
     }
     void Disconnect() {
+        m_question.reset();
         m_stream.reset();
         m_clock.Interrupted();
     }
@@ -97,7 +111,30 @@ class Source {
         m_hasAge = true;
         m_ageNs = static_cast<std::int64_t>(latency) * 1000 * (isNegative ? -1 : 1);
         const std::vector<float> hole(samples ? 0 : count, 0.0F);
-        m_clock.Push(m_lastDataNs - m_ageNs, samples ? std::span(samples, count) : std::span(hole));
+        m_clock.Push(m_lastDataNs - m_ageNs - m_delayNs.value_or(0),
+                     samples ? std::span(samples, count) : std::span(hole));
+        if (m_lastDataNs >= m_nextQuestionNs) AskForDelay();
+    }
+
+    /// Of what a computer plays the server keeps back as much as it may still have to take back, and does not count
+    /// that in the age that it tells.
+    void AskForDelay() {
+        m_nextQuestionNs = m_lastDataNs + (m_hasDelay ? kQuestionsNs : kFirstQuestionsNs);
+        m_question.reset(pa_context_get_source_output_info(
+            pa_stream_get_context(m_stream.get()), pa_stream_get_index(m_stream.get()),
+            [](pa_context*, const pa_source_output_info* info, int, void* self) {
+                static_cast<Source*>(self)->TakeDelay(info);
+            },
+            this));
+    }
+
+    /// `info` is null at the end of an answer, and where the server does not know the stream.
+    void TakeDelay(const pa_source_output_info* info) {
+        if (!info) return;
+        const std::int64_t delayNs = static_cast<std::int64_t>(info->buffer_usec) * 1000;
+        if (delayNs > kBelievableDelayNs) return;
+        m_hasDelay |= m_delayNs && std::abs(delayNs - *m_delayNs) < kSteadyDelayNs;
+        m_delayNs = delayNs;
     }
 
     const std::string m_name;
@@ -105,10 +142,14 @@ class Source {
     SampleClock m_clock;
     std::int64_t m_lastDataNs = 0;
     std::int64_t m_ageNs = 0;
+    std::optional<std::int64_t> m_delayNs;
+    std::int64_t m_nextQuestionNs = 0;
     bool m_hasAge = false;
+    bool m_hasDelay = false;  ///< two answers that agree
     bool m_hasSound = false;  ///< since the last connection
     bool m_isPresent = true;
     std::unique_ptr<pa_stream, StreamDeleter> m_stream;
+    std::unique_ptr<pa_operation, OperationDeleter> m_question;
 };
 
 }  // namespace
