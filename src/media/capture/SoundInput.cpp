@@ -51,13 +51,18 @@ struct StreamDeleter {
 class Source {
   public:
     Source(std::string name, const AudioLayout& layout)
-        : m_name(std::move(name)), m_layout(layout), m_clock(layout.rate, layout.channels) {}
+        : m_name(std::move(name)),
+          m_layout(layout),
+          m_isSystemSound(m_name.ends_with(".monitor")),
+          m_clock(layout.rate, layout.channels) {}
 
     const std::string& Name() const { return m_name; }
     SampleClock& Clock() { return m_clock; }
     bool IsReady() const { return m_stream && pa_stream_get_state(m_stream.get()) == PA_STREAM_READY; }
     /// Samples come, and the server knows how old they are: without that the first ones cannot be placed.
-    bool IsSettled() const { return m_hasAge && m_hasDelay && std::abs(m_ageNs) < kBelievableAgeNs; }
+    bool IsSettled() const {
+        return m_hasAge && (m_hasDelay || !m_isSystemSound) && std::abs(m_ageNs) < kBelievableAgeNs;
+    }
     bool HasFailed() const { return !m_stream || !PA_STREAM_IS_GOOD(pa_stream_get_state(m_stream.get())); }
 
     void Connect(pa_context* context) {
@@ -113,11 +118,11 @@ class Source {
         const std::vector<float> hole(samples ? 0 : count, 0.0F);
         m_clock.Push(m_lastDataNs - m_ageNs - m_delayNs.value_or(0),
                      samples ? std::span(samples, count) : std::span(hole));
-        if (m_lastDataNs >= m_nextQuestionNs) AskForDelay();
+        if (m_isSystemSound && m_lastDataNs >= m_nextQuestionNs) AskForDelay();
     }
 
     /// Of what a computer plays the server keeps back as much as it may still have to take back, and does not count
-    /// that in the age that it tells.
+    /// that in the age that it tells. (A virtual microphone that hears a sink counts it.)
     void AskForDelay() {
         m_nextQuestionNs = m_lastDataNs + (m_hasDelay ? kQuestionsNs : kFirstQuestionsNs);
         m_question.reset(pa_context_get_source_output_info(
@@ -139,6 +144,7 @@ class Source {
 
     const std::string m_name;
     const AudioLayout m_layout;
+    const bool m_isSystemSound;  ///< what a sink plays; the server always gives it this name
     SampleClock m_clock;
     std::int64_t m_lastDataNs = 0;
     std::int64_t m_ageNs = 0;
