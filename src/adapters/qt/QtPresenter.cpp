@@ -9,16 +9,10 @@ namespace {
 
 // For what the display does not tell.
 constexpr std::int32_t kLookForCoversMs = 250;
-// Another program that keeps itself on top, too, must not make a race of it.
-constexpr int kLookAgainMs = 20;
 
 }  // namespace
 
-QtPresenter::QtPresenter(QtEventLoop& loop) : m_loop(loop) {
-    m_lookSoon.setSingleShot(true);
-    m_lookSoon.setInterval(kLookAgainMs);
-    QObject::connect(&m_lookSoon, &QTimer::timeout, &m_lookSoon, [this] { KeepPinnedOnTop(); });
-}
+QtPresenter::QtPresenter(QtEventLoop& loop) : m_loop(loop) {}
 
 QtPresenter::~QtPresenter() = default;
 
@@ -42,9 +36,7 @@ void QtPresenter::Show(ui::Form& form) {
     if (m_pinTimer) return;
     m_pinTimer =
         m_loop.StartTimer(u"notices", kLookForCoversMs, host::TimerReentry::Skipped, [this] { KeepPinnedOnTop(); });
-    m_stackWatch = std::make_unique<StackWatch>([this] {
-        if (!m_lookSoon.isActive()) m_lookSoon.start();
-    });
+    m_stackWatch = std::make_unique<StackWatch>([this] { KeepPinnedOnTop(); });
 }
 
 void QtPresenter::ShowModal(ui::Form& form) {
@@ -64,7 +56,10 @@ void QtPresenter::Close(ui::Form& form) {
     const auto found = m_windows.find(&form);
     if (found == m_windows.end()) return;
     std::erase(m_pinned, found->second.get());
-    if (m_pinned.empty()) StopLooking();
+    if (m_pinned.empty()) {
+        m_pinTimer.reset();
+        m_stackWatch.reset();
+    }
     m_windows.erase(found);
 }
 
@@ -84,12 +79,6 @@ host::WindowHandle QtPresenter::Surface(ui::Picture& picture) {
 
 void QtPresenter::Changed(ui::Form& form) {
     if (FormWindow* window = Find(form)) window->SyncLater();
-}
-
-void QtPresenter::StopLooking() {
-    m_pinTimer.reset();
-    m_stackWatch.reset();
-    m_lookSoon.stop();
 }
 
 /// All of them are raised, in their order, so that they do not take turns in covering each other.

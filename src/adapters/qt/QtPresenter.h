@@ -3,7 +3,6 @@
 // top when another program's window covers them.
 #pragma once
 
-#include <QTimer>
 #include <map>
 #include <memory>
 #include <vector>
@@ -36,14 +35,12 @@ class QtPresenter : public host::IFormPresenter {
   private:
     FormWindow& WindowOf(ui::Form& form);
     void KeepPinnedOnTop();
-    void StopLooking();
 
     QtEventLoop& m_loop;
     std::map<const ui::Form*, std::unique_ptr<FormWindow>> m_windows;
     std::vector<FormWindow*> m_pinned;  ///< in the order in which they were shown
     std::unique_ptr<host::ITimer> m_pinTimer;
     std::unique_ptr<StackWatch> m_stackWatch;
-    QTimer m_lookSoon;                 ///< a burst of changes costs one look
     std::vector<ui::Form*> m_dialogs;  ///< that wait, the newest last
 };
 

@@ -1,30 +1,28 @@
 #include "adapters/qt/StackOrder.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 
+#include "adapters/linux/X11Connection.h"
 #include "adapters/qt/QtApplication.h"
 #include "adapters/qt/XcbDisplay.h"
 
 namespace kestrum::qt {
 namespace {
 
-template <class Reply>
-using ReplyPtr = std::unique_ptr<Reply, decltype(&std::free)>;
+using platform::XReply;
 
 /// From the bottom to the top.
 std::vector<xcb_window_t> TopLevelWindows(xcb_connection_t* connection) {
-    const ReplyPtr<xcb_query_tree_reply_t> tree(
-        xcb_query_tree_reply(connection, xcb_query_tree(connection, RootOf(connection)), nullptr), std::free);
+    const XReply<xcb_query_tree_reply_t> tree(
+        xcb_query_tree_reply(connection, xcb_query_tree(connection, RootOf(connection)), nullptr));
     if (!tree) return {};
     const xcb_window_t* children = xcb_query_tree_children(tree.get());
     return {children, children + xcb_query_tree_children_length(tree.get())};
 }
 
 bool IsViewable(xcb_connection_t* connection, xcb_window_t window) {
-    const ReplyPtr<xcb_get_window_attributes_reply_t> reply(
-        xcb_get_window_attributes_reply(connection, xcb_get_window_attributes(connection, window), nullptr), std::free);
+    const XReply<xcb_get_window_attributes_reply_t> reply(
+        xcb_get_window_attributes_reply(connection, xcb_get_window_attributes(connection, window), nullptr));
     return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE && reply->_class == XCB_WINDOW_CLASS_INPUT_OUTPUT;
 }
 
@@ -62,8 +60,8 @@ bool IsCovered(const std::vector<WId>& windows) {
 void AwaitServer() {
     xcb_connection_t* const connection = DisplayConnection();
     if (!connection) return;
-    const ReplyPtr<xcb_get_input_focus_reply_t> any(
-        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr), std::free);
+    const XReply<xcb_get_input_focus_reply_t> any(
+        xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
 }
 
 }  // namespace kestrum::qt

@@ -2,12 +2,13 @@
 #pragma once
 
 #include <QAbstractNativeEventFilter>
+#include <QTimer>
 #include <functional>
 
 namespace kestrum::qt {
 
-/// Tells when the order of the desktop's windows, or which of them are to be seen, may have changed: as soon as the
-/// server does, inside the toolkit's event. Tells nothing where the toolkit does not draw on X11.
+/// Tells, from the toolkit's loop, when the order of the desktop's windows, or which of them are to be seen, may have
+/// changed: 20 ms after the first of a burst of changes. Tells nothing where the toolkit does not draw on X11.
 class StackWatch : private QAbstractNativeEventFilter {
   public:
     explicit StackWatch(std::function<void()> changed);
@@ -18,7 +19,7 @@ class StackWatch : private QAbstractNativeEventFilter {
   private:
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
 
-    std::function<void()> m_changed;
+    QTimer m_burst;
 };
 
 }  // namespace kestrum::qt

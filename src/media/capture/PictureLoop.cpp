@@ -81,10 +81,14 @@ void PictureLoop::KeepPromises() {
     }
 }
 
-// A picture that was late does not put off those after it, or of a film that runs at the same rate some would be
-// missed.
 void PictureLoop::Taken(std::int64_t nowNs) {
     m_lastTakenNs = nowNs;
+    PutOffNext(nowNs);
+}
+
+// A picture that was late does not put off those after it, or of a film that runs at the same rate some would be
+// missed.
+void PictureLoop::PutOffNext(std::int64_t nowNs) {
     m_nextDueNs = std::max(m_nextDueNs, nowNs - m_intervalNs / 2) + m_intervalNs;
 }
 
@@ -100,11 +104,10 @@ void PictureLoop::TakeDuePicture() {
     const bool sweep = now >= m_lastSweepNs + kSweepNs;
     if (sweep) m_lastSweepNs = now;
     const bool hadNews = m_source.GetScreen().HasNews();
-    const std::int64_t due = m_nextDueNs;
-    Taken(now);
+    m_lastTakenNs = now;
     const bool changed = m_source.Refresh(sweep);
     // A look at a still screen that found nothing keeps no picture back.
-    if (!changed && !hadNews) m_nextDueNs = due;
+    if (changed || hadNews) PutOffNext(now);
     if (!changed && now < m_lastSentNs + kStillNs) return;
     // A promise made meanwhile goes first; its picture shows this change too.
     if (const auto position = m_clock.Stamp(now)) Send(*position, now >= m_lastKeyNs + kLongestKeyDistanceNs, changed);

@@ -46,6 +46,7 @@ class PictureLoop {
     void KeepPromises();
     void TakeDuePicture();
     void Taken(std::int64_t nowNs);
+    void PutOffNext(std::int64_t nowNs);
     void Send(std::int64_t positionMs, bool key, bool changed);
     int WaitMs() const;
     void Wait();

@@ -10,6 +10,7 @@
 #include "media/capture/Clock.h"
 #include "media/capture/PulseConnection.h"
 #include "media/capture/SampleClock.h"
+#include "media/capture/SoundSources.h"
 
 namespace kestrum::media {
 namespace {
@@ -53,7 +54,7 @@ class Source {
     Source(std::string name, const AudioLayout& layout)
         : m_name(std::move(name)),
           m_layout(layout),
-          m_isSystemSound(m_name.ends_with(".monitor")),
+          m_isSystemSound(m_name.ends_with(kMonitorEnding)),
           m_clock(layout.rate, layout.channels) {}
 
     const std::string& Name() const { return m_name; }
@@ -144,7 +145,7 @@ class Source {
 
     const std::string m_name;
     const AudioLayout m_layout;
-    const bool m_isSystemSound;  ///< what a sink plays; the server always gives it this name
+    const bool m_isSystemSound;  ///< what a sink plays
     SampleClock m_clock;
     std::int64_t m_lastDataNs = 0;
     std::int64_t m_ageNs = 0;

@@ -41,8 +41,8 @@ std::vector<SoundSource> ListSoundSources() {
         pulse.Finish(pa_context_get_source_info_list(pulse.Context(), TakeSource, &survey), kTimeoutMs);
     if (!answered) throw CaptureError(CaptureErrorKind::kNoSound, "The sound server does not answer.");
     for (auto& source : survey.sources) {
-        source.isDefault =
-            source.isSystemSound ? source.name == survey.defaultSink + ".monitor" : source.name == survey.defaultSource;
+        source.isDefault = source.isSystemSound ? source.name == survey.defaultSink + kMonitorEnding
+                                                : source.name == survey.defaultSource;
     }
     return survey.sources;
 }

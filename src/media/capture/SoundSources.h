@@ -6,6 +6,9 @@
 
 namespace kestrum::media {
 
+/// What the server puts behind a sink's name to name the source that hears what the sink plays.
+inline constexpr const char* kMonitorEnding = ".monitor";
+
 struct SoundSource {
     std::string name;            ///< as the server knows it
     std::string description;     ///< as a person knows it
