@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <functional>
 #include <optional>
 #include <thread>
 
@@ -111,6 +112,20 @@ class OwnWindows : public ::testing::TestWithParam<bool> {
     }
     const std::string& Display() const { return m_display.Name(); }
 
+    /// Changes `place` of the slide below and beside an own window at 500,400 of 100x40; `look` comes after each
+    /// change.
+    void ExpectChangesSeen(const Area& place, const std::function<void(Eye&)>& look) {
+        Eye eye(Display());
+        OwnWindow own(Display(), {500, 400, 100, 40});
+        own.Appear();
+        for (const auto colour : {kGreen, kBlue, kRed}) {
+            m_slide.FillArea(colour, place.x, place.y, place.width, place.height);
+            look(eye);
+            EXPECT_TRUE(eye.Shows(colour, 550, 420));
+        }
+        EXPECT_FALSE(eye.HasColour(kOwn));
+    }
+
     XvfbServer m_display{kWidth, kHeight};
     ChildProcess m_compositor;
     std::optional<CoveredWindowsKept> m_kept;
@@ -134,27 +149,14 @@ TEST_P(OwnWindows, WindowThatAppears_IsNotInThePicture) {
 }
 
 TEST_P(OwnWindows, WhatChangesBelow_IsSeenAtOnce) {
-    Eye eye(Display());
-    OwnWindow own(Display(), {500, 400, 100, 40});
-    own.Appear();
-    for (const auto colour : {kGreen, kBlue, kRed}) {
-        m_slide.FillArea(colour, 490, 390, 120, 60);
-        EXPECT_TRUE(eye.Shows(colour, 550, 420));
-    }
-    EXPECT_FALSE(eye.HasColour(kOwn));
+    ExpectChangesSeen({490, 390, 120, 60}, [](Eye&) {});
 }
 
 // A compositor paints nothing for a change that an opaque window covers whole; then the regular look at all finds it.
 TEST_P(OwnWindows, WhatChangesOnlyBelow_IsSeenAtTheNextSweepAtLatest) {
-    Eye eye(Display());
-    OwnWindow own(Display(), {500, 400, 100, 40});
-    own.Appear();
-    for (const auto colour : {kGreen, kBlue, kRed}) {
-        m_slide.FillArea(colour, 510, 410, 80, 20);
+    ExpectChangesSeen({510, 410, 80, 20}, [](Eye& eye) {
         if (GetParam()) eye.Sweep();
-        EXPECT_TRUE(eye.Shows(colour, 550, 420));
-    }
-    EXPECT_FALSE(eye.HasColour(kOwn));
+    });
 }
 
 TEST_P(OwnWindows, WindowThatWasThereBefore_IsNotInTheFirstPicture) {
