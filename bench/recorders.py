@@ -19,10 +19,11 @@ import sys
 import tempfile
 import time
 
-ROOT = pathlib.Path(__file__).resolve().parents[1]
-BUILT = ROOT / "build" / "release" / "bench"
+import surroundings
+
 SPEECH = "A lecture is more than its slides. What is said about them, and when, is what a student comes back for."
 SETTLE = 4  # seconds until every recorder runs as it will go on
+SPARE = 10  # seconds that the show outlasts a recorder that starts slowly; it is ended with the recorder
 NUMBER = "crop=224:16:1440:16,scale=14:1:flags=area,format=gray"
 SSR_SETTINGS = """[welcome]
 skip_page=true
@@ -85,12 +86,11 @@ class Kestrum:
         self.kbps, self.layout, self.name = kbps, layout, name
 
     def start(self, file, rate, _folder):
-        self.process = subprocess.Popen([BUILT / "record_bench", file, str(rate), str(self.kbps), self.layout],
-                                        stdin=subprocess.PIPE, stdout=subprocess.DEVNULL)
+        self.recorder = surroundings.Recorder(file, rate, self.kbps, self.layout)
+        self.process = self.recorder.process
 
     def stop(self):
-        self.process.stdin.close()
-        self.process.wait(60)
+        self.recorder.stop()
 
 
 class Ffmpeg:
@@ -128,7 +128,8 @@ class SimpleScreenRecorder:
 def measure(recorder, content, rate, seconds, folder):
     """What it costs to record the content; without a recorder what the servers need anyway."""
     servers = [sibling("Xvfb"), sibling("pulseaudio")]
-    show = subprocess.Popen([BUILT / "stage_show", content, str(seconds + SETTLE + 2)], stdout=subprocess.DEVNULL)
+    show = subprocess.Popen([surroundings.PROGRAMS / "stage_show", content, str(seconds + SETTLE + SPARE)],
+                            stdout=subprocess.DEVNULL)
     time.sleep(1)
     file = folder / f"recording{recorder.suffix if recorder else ''}"
     file.unlink(missing_ok=True)
@@ -175,8 +176,8 @@ def likeness(file, content, seen, folder, count=6):
     sums = []
     for place, at in enumerate(chosen):
         drawn = folder / "drawn.ppm"
-        drawn.write_bytes(subprocess.run([BUILT / "stage_show", content, "--picture", str(seen[at])], capture_output=True,
-                                         check=True).stdout)
+        show = [surroundings.PROGRAMS / "stage_show", content, "--picture", str(seen[at])]
+        drawn.write_bytes(subprocess.run(show, capture_output=True, check=True).stdout)
         told = subprocess.run(["ffmpeg", "-v", "info", "-i", folder / f"picture{place + 1}.png", "-i", drawn, "-lavfi",
                                "[0]format=gray[a];[1]format=gray[b];[a][b]ssim", "-f", "null", "-"], capture_output=True,
                               text=True, check=True).stderr
@@ -216,15 +217,12 @@ def run(seconds, contents):
 def main(arguments):
     if arguments[:1] == ["--inside"]:
         return run(float(arguments[1]), arguments[2:])
-    subprocess.run(["cmake", "--preset", "release"], cwd=ROOT, check=True, stdout=subprocess.DEVNULL)
-    subprocess.run(["cmake", "--build", "build/release", "--target", "stage_show", "record_bench"], cwd=ROOT, check=True,
-                   stdout=subprocess.DEVNULL)
+    surroundings.build("stage_show", "record_bench")
     seconds, contents = arguments[:1] or ["20"], arguments[1:] or ["slides", "anim", "video"]
     with tempfile.NamedTemporaryFile("w", suffix=".txt") as speech:
         speech.write(SPEECH)
         speech.flush()
-        return subprocess.run([ROOT / "tools" / "private-screen", "--desktop", "", "--speech", speech.name, sys.executable, __file__,
-                               "--inside", *seconds, *contents]).returncode
+        return surroundings.run_inside(__file__, [*seconds, *contents], ("--desktop", "", "--speech", speech.name))
 
 
 if __name__ == "__main__":
