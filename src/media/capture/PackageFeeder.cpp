@@ -19,8 +19,11 @@
 namespace kestrum::media {
 namespace {
 
-// With the time that the sound takes through its server and its encoder, a kill costs less than 100 ms.
-constexpr auto kFlushInterval = std::chrono::milliseconds(20);
+// A sample goes to the file at once, or this long after the one before it. With the time that the sound takes through
+// its server and its encoder, a kill costs less than 100 ms.
+constexpr auto kRoundInterval = std::chrono::milliseconds(10);
+// For what falls due by itself: syncs, the room on the disk.
+constexpr auto kIdleInterval = std::chrono::milliseconds(500);
 constexpr std::int64_t kSyncNs = 3 * kNsPerSecond;
 constexpr std::int64_t kRoomCheckNs = 2 * kNsPerSecond;
 constexpr std::int64_t kJournalPatienceNs = kNsPerSecond;
@@ -63,6 +66,7 @@ class PackageFeeder::Impl {
         if (m_videoBytes > kVideoOverflow) Fail(EncoderState::kVideoOverflow);
         if (m_audioBytes > kAudioOverflow) Fail(EncoderState::kAudioOverflow);
         m_waiting.push_back(std::move(sample));
+        WakeWriter();
     }
 
     bool IsBehind() const {
@@ -74,6 +78,7 @@ class PackageFeeder::Impl {
         const std::lock_guard lock(m_mutex);
         if (m_isBroken) return false;
         m_journals.push_back({std::move(text), afterMs, MonotonicNs() + kJournalPatienceNs});
+        WakeWriter();
         return true;
     }
 
@@ -125,15 +130,30 @@ class PackageFeeder::Impl {
         if (m_state == EncoderState::kRunning) m_state = state;
     }
 
+    /// Called with m_mutex held.
+    void WakeWriter() {
+        m_hasNews = true;
+        m_wake.notify_all();
+    }
+
     void Run() {
         std::unique_lock lock(m_mutex);
-        while (!m_wake.wait_for(lock, kFlushInterval, [this] { return m_stop; })) {
+        // What comes meanwhile is written together.
+        while (!m_wake.wait_for(lock, kRoundInterval, [this] { return m_stop; })) {
+            AwaitNews(lock);
             lock.unlock();
             const auto failure = Step();
             lock.lock();
             if (failure) Fail(*failure);
             m_isBroken = m_isBroken || failure;
         }
+    }
+
+    void AwaitNews(std::unique_lock<std::mutex>& lock) {
+        // A journal that waits for its picture has a time limit, too.
+        const auto longest = m_journals.empty() ? kIdleInterval : kRoundInterval;
+        m_wake.wait_for(lock, longest, [this] { return m_stop || m_hasNews; });
+        m_hasNews = false;
     }
 
     /// One round; what went wrong, if the file takes nothing any more.
@@ -240,6 +260,7 @@ class PackageFeeder::Impl {
     std::int64_t m_writtenMs;
     EncoderState m_state = EncoderState::kRunning;
     bool m_isBroken = false;
+    bool m_hasNews = false;
     bool m_stop = false;
     std::thread m_thread;
 };
