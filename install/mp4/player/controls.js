@@ -2,7 +2,7 @@
 (function (player) {
   'use strict';
 
-  const { byId, clock, store, nameControl, setIcon } = player.tools;
+  const { byId, clock, lengthClock, store, nameControl, setIcon } = player.tools;
   const SPEEDS = [0.5, 0.75, 1, 1.25, 1.5, 1.75, 2, 2.25, 2.5, 2.75, 3];
   const LOUDER = 0.1;
   // In full screen the panel leaves after so long without a hand on mouse or keyboard.
@@ -120,7 +120,7 @@
     const { video } = stage;
     const show = () => {
       byId('time').textContent = clock(video.currentTime * 1000);
-      byId('whole').textContent = stage.length() > 0 ? clock(stage.length()) : lecture.length;
+      byId('whole').textContent = stage.length() > 0 ? lengthClock(stage.length()) : lecture.length;
     };
     for (const event of ['timeupdate', 'seeking', 'durationchange', 'emptied']) video.addEventListener(event, show);
     show();

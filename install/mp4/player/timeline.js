@@ -3,7 +3,7 @@
 (function (player) {
   'use strict';
 
-  const { byId, element, clock } = player.tools;
+  const { byId, element, clock, lengthClock } = player.tools;
   // Half the slider's knob: the slider's ends lie that far inside its box. See player.css.
   const KNOB = 8;
   // Marks nearer to each other than this part of the line would run into one.
@@ -76,7 +76,7 @@
     function describe(ms) {
       const place = lecture.at(ms);
       const slide = place < 0 ? '' : player.texts.atSlide(place + 1, lecture.entries[place].title);
-      slider.setAttribute('aria-valuetext', player.texts.at(clock(ms), clock(stage.length())) + slide);
+      slider.setAttribute('aria-valuetext', player.texts.at(clock(ms), lengthClock(stage.length())) + slide);
     }
 
     function show() {

@@ -22,6 +22,9 @@
     return hours > 0 ? hours + ':' + rest : rest;
   }
 
+  /// A length, to the nearest second as the lecture's data write it.
+  const lengthClock = (ms) => clock(1000 * Math.round(ms / 1000));
+
   /// What the reader's browser remembers. Where it keeps nothing (a private window, a refusing setting), the value holds
   /// until the page is left.
   const store = {
@@ -64,5 +67,5 @@
   const byId = (id) => document.getElementById(id);
   const isCalm = () => window.matchMedia('(prefers-reduced-motion: reduce)').matches;
 
-  player.tools = { byId, element, clock, store, nameControl, setIcon, isCalm };
+  player.tools = { byId, element, clock, lengthClock, store, nameControl, setIcon, isCalm };
 })(window.player = window.player || {});

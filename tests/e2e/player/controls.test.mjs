@@ -31,6 +31,14 @@ test('Speed goes from a half to three, with the pitch kept', async (t) => {
   assert.equal(await ofVideo(page, 'playbackRate'), 2.5);
 });
 
+test('The length is told as the data write it, to the nearest second', async (t) => {
+  const page = await watch(t, new Publication(), { init: () => {
+    Object.defineProperty(HTMLMediaElement.prototype, 'duration', { get: () => 39.521 });
+  } });
+  await until(page, () => document.querySelector('#whole').textContent === '00:40');
+  assert.match(await page.locator('#seek').getAttribute('aria-valuetext'), /^00:00 of 00:40/);
+});
+
 test('Sound can be set and silenced', async (t) => {
   const page = await watch(t, new Publication());
   const volume = await page.locator('#volume').boundingBox();
