@@ -51,6 +51,20 @@ I420Picture Slide(int width, int height, unsigned seed) {
     return picture;
 }
 
+/// A picture of a film: waves that wander, with grain.
+I420Picture FilmOf(int width, int height, unsigned number) {
+    I420Picture picture(width, height);
+    std::mt19937 random(number);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const double wave = std::sin((x + 4.0 * number) / 23) * std::cos((y - 2.0 * number) / 31);
+            picture.luma[static_cast<std::size_t>(y * picture.lumaStride + x)] =
+                static_cast<std::uint8_t>(124 + 70 * wave + random() % 9);
+        }
+    }
+    return picture;
+}
+
 /// A disc in a strong colour.
 void DrawDisc(I420Picture& picture, ChangeMap& changes, int centreX, int centreY, int radius, std::uint8_t luma) {
     for (int y = std::max(0, centreY - radius); y < std::min(picture.height, centreY + radius); ++y) {
@@ -248,6 +262,13 @@ class MixedPicturesTest : public ::testing::Test {
     void Rest() {
         for (int step = 0; step < 40; ++step) Send(ChangeMap(kWidth, kHeight));
     }
+    static I420Picture FilmPicture(unsigned number) { return FilmOf(kWidth, kHeight, number); }
+    void Play(unsigned first, unsigned end) {
+        for (unsigned number = first; number < end; ++number) {
+            picture = FilmPicture(number);
+            EXPECT_FALSE(Send(All()).isKey);
+        }
+    }
     ChangeMap All() const {
         ChangeMap changes(kWidth, kHeight);
         changes.MarkAll();
@@ -295,6 +316,32 @@ TEST_F(MixedPicturesTest, AnAnimationRightAfterAKeyFrame_MakesNoOther) {
     Send(ChangeMap(kWidth, kHeight));
     picture = Slide(kWidth, kHeight, 9);
     EXPECT_FALSE(Send(All()).isKey);
+}
+
+TEST_F(MixedPicturesTest, AFilmIsCoarserAfterASecond_AndWhatItLeavesIsFineOnceItStands) {
+    picture = FilmPicture(0);
+    Send(All(), true);
+    Play(1, 9);
+    const double fine = meanSquare;
+    const std::size_t fineBytes = last.sample.size();
+    Play(10, 30);
+    EXPECT_GT(meanSquare, fine * 1.05);
+    EXPECT_LT(meanSquare, fine * 1.5);
+    EXPECT_LT(last.sample.size(), fineBytes / 2);
+    EXPECT_FALSE(Send(ChangeMap(kWidth, kHeight)).isKey);
+    EXPECT_LT(meanSquare, fine * 1.02);
+    Send(ChangeMap(kWidth, kHeight));
+    EXPECT_LT(last.sample.size(), 200U) << "once is enough";
+}
+
+TEST_F(MixedPicturesTest, AKeyFrameAmidAFilm_IsAsFineAsAnyOther) {
+    picture = FilmPicture(30);
+    Send(All(), true);
+    const double fine = meanSquare;
+    Play(1, 29);
+    picture = FilmPicture(30);
+    EXPECT_TRUE(Send(All(), true).isKey);
+    EXPECT_LT(meanSquare, fine * 1.02);
 }
 
 TEST_F(MixedPicturesTest, AmongBigChanges_SmallOnesMakeNoKeyFramesNecessary) {

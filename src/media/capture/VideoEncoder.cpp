@@ -18,6 +18,9 @@ namespace {
 // the encoder is told this rate always, and the limit of the bit rate is scaled instead.
 constexpr int kNominalRate = 30;
 constexpr float kQuality = 22;
+// Of a film, that is when for a second each picture changes in much: half the bits, and nobody sees the difference
+// while it moves. What it leaves on the screen is made as fine as the rest once it stands.
+constexpr float kFilmQuality = 24;
 // Highest bit rate of a full-screen video: this many bits a second for each pixel of the picture (1080p: 8 Mbit/s).
 constexpr double kBitsPerPixel = 4.0;
 // Up to this share of the macroblocks a change is small: there our own writer is faster by far, and near the share of
@@ -91,6 +94,7 @@ class VideoEncoder::Impl {
         m_columns = (settings.width + kBlock - 1) / kBlock;
         m_blocks.resize(static_cast<std::size_t>(m_columns) * ((settings.height + kBlock - 1) / kBlock));
         m_holdPictures = kHoldSeconds * settings.framesPerSecond;
+        m_filmPictures = settings.framesPerSecond;
         m_headersInKeyFrames = settings.headersInKeyFrames;
         ReadHeaders(settings);
     }
@@ -101,7 +105,9 @@ class VideoEncoder::Impl {
     EncodedPicture Encode(const I420Picture& picture, const ChangeMap& changes, bool key) {
         const bool isSmall = changes.Count() <= changes.Size() / kSmallShare;
         ++m_picturesSinceBig;
-        if (!key && isSmall && m_small && (m_isAfterSmall || !m_isBusy)) return EncodeSmall(picture, changes);
+        m_bigInARow = key || isSmall ? 0 : m_bigInARow + 1;
+        if (!key && isSmall && m_small && !m_isCoarse && (m_isAfterSmall || !m_isBusy))
+            return EncodeSmall(picture, changes);
         const EncodedPicture encoded = EncodeWhole(picture, changes, key || m_isAfterSmall);
         m_isAfterSmall = false;
         const bool isSoon = m_picturesSinceBig < m_holdPictures;
@@ -128,7 +134,12 @@ class VideoEncoder::Impl {
         in.i_type = key ? X264_TYPE_IDR : X264_TYPE_AUTO;
         in.i_pts = m_count++;
         Attach(in, picture);
-        FillBlocks(changes);
+        const bool isFilm = m_small && m_bigInARow >= m_filmPictures;
+        if (m_isCoarse && !isFilm)
+            std::fill(m_blocks.begin(), m_blocks.end(), 0);
+        else
+            FillBlocks(changes);
+        SetCoarse(isFilm);
         in.prop.mb_info = m_blocks.data();
         x264_nal_t* units = nullptr;
         int unitCount = 0;
@@ -162,6 +173,15 @@ class VideoEncoder::Impl {
         in.img.plane[2] = const_cast<std::uint8_t*>(picture.cr.data());
         in.img.i_stride[0] = picture.lumaStride;
         in.img.i_stride[1] = in.img.i_stride[2] = picture.chromaStride;
+    }
+
+    void SetCoarse(bool coarse) {
+        if (coarse == m_isCoarse) return;
+        m_isCoarse = coarse;
+        x264_param_t parameters;
+        x264_encoder_parameters(m_encoder, &parameters);
+        parameters.rc.f_rf_constant = coarse ? kFilmQuality : kQuality;
+        x264_encoder_reconfig(m_encoder, &parameters);
     }
 
     void FillBlocks(const ChangeMap& changes) {
@@ -207,6 +227,9 @@ class VideoEncoder::Impl {
     bool m_isBusy = false;                            ///< another big change is likely
     int m_picturesSinceBig = 0;
     int m_holdPictures = 0;
+    int m_bigInARow = 0;
+    int m_filmPictures = 0;   ///< so many big changes in a row are a film
+    bool m_isCoarse = false;  ///< pictures of a film are what decoders show
     bool m_headersInKeyFrames = false;
     Bytes m_keySample;
 };
