@@ -28,9 +28,9 @@ void Append(Areas& areas, const Areas& more) {
 
 }  // namespace
 
-OwnWindows::OwnWindows(xcb_connection_t* connection, xcb_window_t root, int screenNumber, const Area& area,
-                       SharedImage& image)
-    : m_area(area), m_stack(connection, root, screenNumber), m_pictures(connection, root, image) {}
+OwnWindows::OwnWindows(xcb_connection_t* connection, xcb_window_t root, int screenNumber, Stacking stacking,
+                       const Area& area, SharedImage& image)
+    : m_area(area), m_stack(connection, root, screenNumber, stacking), m_pictures(connection, root, image) {}
 
 void OwnWindows::Handle(const xcb_generic_event_t& event) {
     m_stack.Handle(event);

@@ -18,7 +18,8 @@ namespace kestrum::media {
 class OwnWindows {
   public:
     /// `area`: the captured rectangle. Areas given out are places in it. `image` as with WindowPictures.
-    OwnWindows(xcb_connection_t* connection, xcb_window_t root, int screenNumber, const Area& area, SharedImage& image);
+    OwnWindows(xcb_connection_t* connection, xcb_window_t root, int screenNumber, Stacking stacking, const Area& area,
+               SharedImage& image);
 
     void Handle(const xcb_generic_event_t& event);
     /// Windows moved, or something was drawn below an own one.

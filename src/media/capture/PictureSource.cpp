@@ -1,11 +1,14 @@
 #include "media/capture/PictureSource.h"
 
+#include <utility>
+
 #include "media/capture/ColourConvert.h"
 
 namespace kestrum::media {
 
-PictureSource::PictureSource(const std::string& display, const Area& area, int frameWidth, int frameHeight)
-    : m_screen(display, area),
+PictureSource::PictureSource(const std::string& display, const Area& area, std::shared_ptr<ScreenCast> cast,
+                             int frameWidth, int frameHeight)
+    : m_screen(display, area, std::move(cast)),
       m_pixels(area.width, area.height),
       m_fresh(area.width, area.height),
       m_changes(area.width, area.height),

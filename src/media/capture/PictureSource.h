@@ -15,8 +15,9 @@ namespace kestrum::media {
 
 class PictureSource {
   public:
-    /// `frameWidth`, `frameHeight`: size of the pictures given out. Throws CaptureError.
-    PictureSource(const std::string& display, const Area& area, int frameWidth, int frameHeight);
+    /// `frameWidth`, `frameHeight`: size of the pictures given out. The others as with Screen. Throws CaptureError.
+    PictureSource(const std::string& display, const Area& area, std::shared_ptr<ScreenCast> cast, int frameWidth,
+                  int frameHeight);
 
     Screen& GetScreen() { return m_screen; }
     const Screen& GetScreen() const { return m_screen; }

@@ -76,7 +76,7 @@ class Recorder::Impl {
     void Start(const std::string& package, const StoredPaths& files) {
         // Everything that can refuse comes before the package is touched, but for what the package itself decides.
         const StoredFiles stored = LoadFiles(files);
-        { const Screen check(m_settings.display, m_settings.area); }
+        { const Screen check(m_settings.display, m_settings.area, m_settings.cast); }
         if (!m_input && !m_camera) OpenDevicesAhead();
 
         auto writer = PackageWriter::Open(package);
@@ -173,7 +173,7 @@ class Recorder::Impl {
     void MakeEncoders(const std::optional<TrackConfigs>& existing) {
         const int width = existing ? existing->video.width : m_settings.area.width;
         const int height = existing ? existing->video.height : m_settings.area.height;
-        m_source = std::make_unique<PictureSource>(m_settings.display, m_settings.area, width, height);
+        m_source = std::make_unique<PictureSource>(m_settings.display, m_settings.area, m_settings.cast, width, height);
         VideoEncoderSettings video{width, height, m_settings.framesPerSecond, false};
         m_encoder = std::make_unique<VideoEncoder>(video);
         if (existing && existing->video.avcC != m_encoder->AvcC()) {

@@ -19,9 +19,12 @@
 
 namespace kestrum::media {
 
+class ScreenCast;
+
 struct RecorderSettings {
     std::string display;  ///< empty: the environment's
     Area area;
+    std::shared_ptr<ScreenCast> cast;       ///< where the pixels come from, if not from the display
     int framesPerSecond = 10;               ///< at most, 1 to 60
     std::vector<std::string> soundSources;  ///< names as the sound server knows them; empty: no sound track
     bool stereo = false;

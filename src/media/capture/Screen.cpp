@@ -6,8 +6,13 @@
 #include <xcb/xfixes.h>
 #include <xcb/xinput.h>
 
+#include <utility>
+
+#include "media/capture/CastPixels.h"
 #include "media/capture/Comparison.h"
 #include "media/capture/OwnWindows.h"
+#include "media/capture/PollSet.h"
+#include "media/capture/RootPixels.h"
 #include "media/capture/SharedImage.h"
 #include "media/capture/XcbHandle.h"
 
@@ -86,23 +91,27 @@ Area MonitorOf(xcb_connection_t* connection, xcb_window_t root, const Area& area
 
 class Screen::Impl {
   public:
-    Impl(const std::string& display, const Area& wanted)
+    Impl(const std::string& display, const Area& wanted, std::shared_ptr<ScreenCast> cast)
         : area(wanted), connection(Connect(display, screenNumber)), screen(FindScreen(connection.get(), screenNumber)) {
         const PixelFormat format = RequireFormat(connection.get(), *screen);
         RequireArea(area, RootArea(connection.get(), screen->root));
         image = std::make_unique<SharedImage>(connection.get(), screen->root_depth, format, area);
         WatchDrawing();
-        own = std::make_unique<OwnWindows>(connection.get(), screen->root, screenNumber, area, *image);
-        WatchPointer();
         WatchMonitors();
+        const Stacking stacking = cast ? Stacking::kDesktop : Stacking::kDisplay;
+        OpenPixels(std::move(cast));
+        own = std::make_unique<OwnWindows>(connection.get(), screen->root, screenNumber, stacking, area, *image);
+        WatchPointer();
+        JoinDescriptors();
         xcb_flush(connection.get());
     }
 
     void Pump() {
+        pixels->Pump();
         while (const auto event = Own(xcb_poll_for_event(connection.get()))) Handle(*event);
     }
 
-    bool IsLost() const { return xcb_connection_has_error(connection.get()) != 0; }
+    bool IsLost() const { return xcb_connection_has_error(connection.get()) != 0 || pixels->IsLost(); }
 
     void Fetch(BgraPicture& picture, ChangeMap& changes, bool everywhere) {
         Pump();
@@ -110,7 +119,7 @@ class Screen::Impl {
             CompareMonitor();
             due = {{0, 0, area.width, area.height}};
         }
-        if (wasDrawn) AddDrawnAreas();
+        if (pixels->HasNews()) AddDrawnAreas();
         if (Take(picture, changes, everywhere)) return;
         // Windows moved while their places were read: now they have to stand still.
         xcb_grab_server(connection.get());
@@ -131,13 +140,12 @@ class Screen::Impl {
     XcbConnection connection;
     xcb_screen_t* screen;
     std::unique_ptr<SharedImage> image;
-    xcb_damage_damage_t damage = 0;
-    xcb_xfixes_region_t drawnRegion = 0;
+    std::unique_ptr<ScreenPixels> pixels;
+    PollSet descriptors;
     std::uint8_t damageEvent = 0;
     std::uint8_t fixesEvent = 0;
     std::uint8_t randrEvent = 0;
     std::uint8_t inputOpcode = 0;
-    bool wasDrawn = false;
     bool pointerMoved = true;
     bool newResolution = false;
     bool isGrabbed = false;
@@ -147,18 +155,11 @@ class Screen::Impl {
 
   private:
     void AddDrawnAreas() {
-        wasDrawn = false;
-        xcb_damage_subtract(connection.get(), damage, XCB_NONE, drawnRegion);
-        const auto cookie = xcb_xfixes_fetch_region(connection.get(), drawnRegion);
-        const auto reply = Own(xcb_xfixes_fetch_region_reply(connection.get(), cookie, nullptr));
-        if (!reply) return;
-        const auto* rectangles = xcb_xfixes_fetch_region_rectangles(reply.get());
-        for (int i = 0; i < xcb_xfixes_fetch_region_rectangles_length(reply.get()); ++i) {
-            const auto& r = rectangles[i];
-            const Area inside = Intersect({r.x, r.y, r.width, r.height}, area);
-            if (!inside.IsEmpty()) due.push_back(Moved(inside, -area.x, -area.y));
-        }
+        const Areas drawn = pixels->TakeDrawn();
+        due.insert(due.end(), drawn.begin(), drawn.end());
         MergeIfMany(due);
+        // A window that is in the pixels is known from here on, however they came.
+        Pump();
     }
 
     /// Reads all that is due, own windows left out. False if a window moved meanwhile: the rest is still due then.
@@ -173,20 +174,19 @@ class Screen::Impl {
             if (!Read(due.back(), picture, changes)) return false;
         }
         for (const Area& part : own->TakeChanged(isScreenDrawn, everywhere)) {
-            const auto pixels = own->Compose(part, picture);
+            const auto composed = own->Compose(part, picture);
             if (WindowsMoved()) return false;
-            TakeOver(picture, changes, part, {pixels.data(), part});
+            TakeOver(picture, changes, part, {composed.data(), part});
         }
         return true;
     }
 
     bool Read(const Area& part, BgraPicture& picture, ChangeMap& changes) {
         const Areas pieces = Subtract({part}, own->Hidden());
-        const auto* pixels =
-            pieces.empty() ? nullptr : image->Read(screen->root, screen->root_depth, Moved(part, area.x, area.y));
+        const auto* fresh = pieces.empty() ? nullptr : pixels->Read(part);
         if (WindowsMoved()) return false;
-        if (!pixels) return true;
-        for (const Area& piece : pieces) TakeOver(picture, changes, piece, {pixels, part});
+        if (!fresh) return true;
+        for (const Area& piece : pieces) TakeOver(picture, changes, piece, {fresh, part});
         return true;
     }
 
@@ -204,10 +204,19 @@ class Screen::Impl {
         damageEvent = RequireExtension(c, &xcb_damage_id, "DAMAGE")->first_event;
         Own(xcb_xfixes_query_version_reply(c, xcb_xfixes_query_version(c, 5, 0), nullptr));
         Own(xcb_damage_query_version_reply(c, xcb_damage_query_version(c, 1, 1), nullptr));
-        damage = xcb_generate_id(c);
-        xcb_damage_create(c, damage, screen->root, XCB_DAMAGE_REPORT_LEVEL_NON_EMPTY);
-        drawnRegion = xcb_generate_id(c);
-        xcb_xfixes_create_region(c, drawnRegion, 0, nullptr);
+    }
+
+    void OpenPixels(std::shared_ptr<ScreenCast> cast) {
+        if (cast) {
+            pixels = std::make_unique<CastPixels>(std::move(cast), area, monitor);
+        } else {
+            pixels = std::make_unique<RootPixels>(connection.get(), *screen, area, *image, damageEvent);
+        }
+    }
+
+    void JoinDescriptors() {
+        descriptors.Add(xcb_get_file_descriptor(connection.get()));
+        if (pixels->FileDescriptor() >= 0) descriptors.Add(pixels->FileDescriptor());
     }
 
     /// Motion is told by the input extension, so that a pointer at rest costs nothing; without it the regular look at
@@ -227,6 +236,7 @@ class Screen::Impl {
     }
 
     void WatchMonitors() {
+        monitor = RootArea(connection.get(), screen->root);
         const auto* randr = xcb_get_extension_data(connection.get(), &xcb_randr_id);
         if (!randr || !randr->present) return;
         randrEvent = randr->first_event;
@@ -240,9 +250,7 @@ class Screen::Impl {
     void Handle(const xcb_generic_event_t& event) {
         const std::uint8_t type = event.response_type & 0x7F;
         own->Handle(event);
-        if (type == damageEvent + XCB_DAMAGE_NOTIFY) {
-            wasDrawn |= reinterpret_cast<const xcb_damage_notify_event_t&>(event).damage == damage;
-        }
+        pixels->Handle(event);
         if (type == fixesEvent + XCB_XFIXES_CURSOR_NOTIFY) pointerMoved = true;
         if (type == XCB_GE_GENERIC) {
             pointerMoved |= reinterpret_cast<const xcb_ge_generic_event_t&>(event).extension == inputOpcode;
@@ -260,23 +268,25 @@ class Screen::Impl {
     }
 };
 
-Screen::Screen(const std::string& display, const Area& area) : m_impl(std::make_unique<Impl>(display, area)) {}
+Screen::Screen(const std::string& display, const Area& area, std::shared_ptr<ScreenCast> cast)
+    : m_impl(std::make_unique<Impl>(display, area, std::move(cast))) {}
 Screen::~Screen() = default;
 
 int Screen::FileDescriptor() const {
-    return xcb_get_file_descriptor(m_impl->connection.get());
+    return m_impl->descriptors.FileDescriptor();
 }
 void Screen::Pump() {
     m_impl->Pump();
 }
 bool Screen::HasNews() const {
-    return m_impl->wasDrawn || m_impl->pointerMoved || m_impl->own->HasNews();
+    const bool pointer = m_impl->pointerMoved && !m_impl->pixels->ShowsPointer();
+    return m_impl->pixels->HasNews() || pointer || m_impl->own->HasNews();
 }
 bool Screen::IsLost() const {
     return m_impl->IsLost();
 }
 bool Screen::HasNewResolution() const {
-    return m_impl->newResolution;
+    return m_impl->newResolution || m_impl->pixels->HasNewSize();
 }
 
 void Screen::Fetch(BgraPicture& picture, ChangeMap& changes, bool everywhere) {
@@ -285,6 +295,7 @@ void Screen::Fetch(BgraPicture& picture, ChangeMap& changes, bool everywhere) {
 
 PointerImage Screen::FetchPointer() {
     m_impl->pointerMoved = false;
+    if (m_impl->pixels->ShowsPointer()) return {};
     auto* c = m_impl->connection.get();
     const auto cookie = xcb_xfixes_get_cursor_image(c);
     const auto reply = Own(xcb_xfixes_get_cursor_image_reply(c, cookie, nullptr));
@@ -296,8 +307,8 @@ PointerImage Screen::FetchPointer() {
     return {place, {pixels, pixels + static_cast<std::size_t>(reply->width) * reply->height}};
 }
 
-Uniformity ProbePicture(const std::string& display, const Area& area) {
-    Screen screen(display, area);
+Uniformity ProbePicture(const std::string& display, const Area& area, std::shared_ptr<ScreenCast> cast) {
+    Screen screen(display, area, std::move(cast));
     BgraPicture picture(area.width, area.height);
     ChangeMap changes(area.width, area.height);
     screen.Fetch(picture, changes, true);

@@ -115,11 +115,8 @@ void WindowPictures::Drop(const Kept& kept) {
     if (kept.damage) xcb_damage_destroy(m_connection, kept.damage);
 }
 
-/// A window has a new picture after each change of its size and each time that it appears.
 void WindowPictures::Refresh(Kept& kept) {
-    if (kept.picture) xcb_free_pixmap(m_connection, kept.picture);
-    kept.picture = xcb_generate_id(m_connection);
-    xcb_composite_name_window_pixmap(m_connection, kept.window.window, kept.picture);
+    TakePicture(kept);
     if (!kept.damage) WatchDrawing(kept);
     xcb_xfixes_region_t shape = xcb_generate_id(m_connection);
     xcb_xfixes_create_region_from_window(m_connection, shape, kept.window.window, XCB_SHAPE_SK_BOUNDING);
@@ -127,6 +124,14 @@ void WindowPictures::Refresh(Kept& kept) {
         Own(xcb_xfixes_fetch_region_reply(m_connection, xcb_xfixes_fetch_region(m_connection, shape), nullptr));
     kept.shape = reply ? PlacesIn(*reply, kept.window) : Areas{};
     xcb_xfixes_destroy_region(m_connection, shape);
+}
+
+/// A window has a new picture after each change of its size and each time that it appears; in a Wayland session after
+/// each drawing.
+void WindowPictures::TakePicture(Kept& kept) {
+    if (kept.picture) xcb_free_pixmap(m_connection, kept.picture);
+    kept.picture = xcb_generate_id(m_connection);
+    xcb_composite_name_window_pixmap(m_connection, kept.window.window, kept.picture);
 }
 
 /// A new watch begins with all of the window as drawn, which says nothing.
@@ -174,6 +179,7 @@ void WindowPictures::Paint(const Area& part, std::vector<std::uint32_t>& pixels)
         if (it->Hides(part, m_isBlended)) first = it;
     }
     for (auto it = first; it != m_kept.end(); ++it) {
+        TakePicture(*it);
         PaintWindow(*it, part, pixels);
         for (const Area& piece : Intersect(it->unknown, part)) CopyPiece(before, pixels, part, piece);
     }

@@ -57,6 +57,7 @@ class WindowPictures {
     void End();
     void Drop(const Kept& kept);
     void Refresh(Kept& kept);
+    void TakePicture(Kept& kept);
     void WatchDrawing(Kept& kept);
     void PaintWindow(const Kept& kept, const Area& part, std::vector<std::uint32_t>& pixels);
 

@@ -26,9 +26,10 @@ std::vector<xcb_window_t> ChildrenOf(xcb_connection_t* connection, xcb_window_t 
 
 }  // namespace
 
-WindowStack::WindowStack(xcb_connection_t* connection, xcb_window_t root, int screenNumber)
+WindowStack::WindowStack(xcb_connection_t* connection, xcb_window_t root, int screenNumber, Stacking stacking)
     : m_connection(connection),
       m_root(root),
+      m_stacking(stacking),
       m_ownAtom(Atom(connection, "_KESTRUM_OWN_WINDOW")),
       m_opacityAtom(Atom(connection, "_NET_WM_WINDOW_OPACITY")),
       m_compositorAtom(Atom(connection, "_NET_WM_CM_S" + std::to_string(screenNumber))) {
@@ -98,7 +99,11 @@ void WindowStack::Read() {
         if (looks->_class != XCB_WINDOW_CLASS_INPUT_OUTPUT) continue;
         const int border = shape->border_width;
         const Area place{shape->x, shape->y, shape->width + 2 * border, shape->height + 2 * border};
-        m_windows.push_back({children[i], place, border, shape->depth, false, 255});
+        const bool isManaged = looks->override_redirect == 0;
+        m_windows.push_back({children[i], place, border, shape->depth, isManaged, false, 255});
+    }
+    if (m_stacking == Stacking::kDesktop) {
+        std::stable_partition(m_windows.begin(), m_windows.end(), [](const TopLevel& one) { return one.isManaged; });
     }
     for (TopLevel& window : m_windows) {
         const auto known = m_marks.find(window.window);

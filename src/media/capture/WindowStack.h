@@ -20,13 +20,20 @@ struct TopLevel {
     Area place;                  ///< with its border, on the desktop
     int border = 0;              ///< pixels
     int depth = 0;               ///< bits a pixel
+    bool isManaged = true;       ///< by a window manager
     bool isOwn = false;          ///< never part of a recorded picture
     std::uint8_t opacity = 255;  ///< that it asks of a compositor
 };
 
+/// Who puts the windows on the screen.
+enum class Stacking {
+    kDisplay,  ///< the display, in its order
+    kDesktop,  ///< a Wayland desktop, which has windows that no window manager knows above all others
+};
+
 class WindowStack {
   public:
-    WindowStack(xcb_connection_t* connection, xcb_window_t root, int screenNumber);
+    WindowStack(xcb_connection_t* connection, xcb_window_t root, int screenNumber, Stacking stacking);
 
     /// Takes in an event of the connection; those that say nothing about windows are left alone.
     void Handle(const xcb_generic_event_t& event);
@@ -56,6 +63,7 @@ class WindowStack {
 
     xcb_connection_t* m_connection;
     xcb_window_t m_root;
+    const Stacking m_stacking;
     xcb_atom_t m_ownAtom = 0;
     xcb_atom_t m_opacityAtom = 0;
     xcb_atom_t m_compositorAtom = 0;

@@ -1,6 +1,7 @@
 // Every request to the media worker with its answer, and the events that it sends unasked. One request is answered by
 // exactly one message of the same id: kDone with the struct named beside the request, or kFailed with a Failure.
-// Requests are answered in the order they came, but kVerifyWhole and kInspect, whose answers come when they are done.
+// Requests are answered in the order they came, but kVerifyWhole, kInspect and kCast, whose answers come when they are
+// done.
 //
 // Texts are UTF-8, positions and lengths milliseconds.
 #pragma once
@@ -32,6 +33,7 @@ enum class Kind : std::uint16_t {
     kJournal = 23,    ///< Text -> Number, 1 if it is kept
     kState = 24,      ///< Nothing -> State
     kStop = 25,       ///< Nothing -> Nothing, when the package is finished
+    kCast = 26,       ///< Nothing -> Nothing, when the desktop, and its user, has given the screen for kProbe and kOpen
 
     // Devices, beside a recording or without one
     kListCameras = 32,     ///< Nothing -> CameraList
@@ -59,7 +61,7 @@ enum class Kind : std::uint16_t {
     kStore = 56,           ///< PackageFiles -> Recovery
     kVerifyQuick = 57,     ///< Text -> Number, see Soundness
     kVerifyWhole = 58,     ///< Text -> Verdict; sends kProgress; recovers an interrupted package
-    kCancel = 59,          ///< Nothing -> Nothing: ends a kVerifyWhole or kInspect early
+    kCancel = 59,          ///< Nothing -> Nothing: ends a kVerifyWhole, kInspect or kCast early
     kDrawFit = 60,         ///< TwoPaths -> Nothing: draws one picture into another
     kInspect = 61,         ///< InspectRequest -> Inspection; sends kProgress; changes nothing
     kEncrypted = 62,       ///< Text -> Number, 1 if the media must be decrypted first
@@ -246,6 +248,7 @@ struct Probe {
     std::int32_t y = 0;
     std::int32_t width = 0;
     std::int32_t height = 0;
+    std::int32_t fromCast = 0;  ///< 1: the display shows its own windows only, the pixels are the desktop's cast
     template <typename V>
     void Fields(V& visit) {
         visit(display);
@@ -253,6 +256,7 @@ struct Probe {
         visit(y);
         visit(width);
         visit(height);
+        visit(fromCast);
     }
 };
 

@@ -38,19 +38,23 @@ protocol::Recovery ToRecovery(const std::optional<RecoveryReport>& report) {
     return {1, report->entries, report->entriesWithoutMedia, report->lengthMs, report->bytesCut};
 }
 
-RecordingDesk::RecordingDesk(std::function<void(int)> onLevel, DeviceChangeSink onDeviceChange)
-    : m_onLevel(std::move(onLevel)), m_onDeviceChange(std::move(onDeviceChange)) {}
+RecordingDesk::RecordingDesk(CastDesk& casts, std::function<void(int)> onLevel, DeviceChangeSink onDeviceChange)
+    : m_casts(casts), m_onLevel(std::move(onLevel)), m_onDeviceChange(std::move(onDeviceChange)) {}
 
 void RecordingDesk::Open(const protocol::Settings& settings) {
     if (m_isRecording) throw std::logic_error("A recording runs already.");
-    auto recorder = std::make_unique<Recorder>(ToSettings(settings), m_onLevel);
+    RecorderSettings chosen = ToSettings(settings);
+    if (settings.picture.fromCast != 0) chosen.cast = m_casts.OpenSoon();
+    auto recorder = std::make_unique<Recorder>(std::move(chosen), m_onLevel);
     recorder->OnDeviceChange(m_onDeviceChange);
     recorder->OpenDevices();
     m_recorder = std::move(recorder);
 }
 
 void RecordingDesk::Close() {
-    if (!m_isRecording) m_recorder.reset();
+    if (m_isRecording) return;
+    m_recorder.reset();
+    m_casts.Close();
 }
 
 protocol::Recovery RecordingDesk::Start(const protocol::PackageFiles& files) {
@@ -60,6 +64,7 @@ protocol::Recovery RecordingDesk::Start(const protocol::PackageFiles& files) {
     } catch (...) {
         // Half a start must not go on holding the package or the sound.
         m_recorder.reset();
+        m_casts.Close();
         throw;
     }
     m_package = files.package;
@@ -94,6 +99,7 @@ protocol::State RecordingDesk::State() const {
 void RecordingDesk::Stop() {
     if (!m_isRecording) return;
     m_isRecording = false;
+    m_casts.Close();
     const auto recorder = std::move(m_recorder);
     try {
         recorder->Stop();

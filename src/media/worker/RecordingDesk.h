@@ -11,12 +11,14 @@
 #include "media/capture/Recorder.h"
 #include "media/package/Package.h"
 #include "media/protocol/Messages.h"
+#include "media/worker/CastDesk.h"
 
 namespace kestrum::media {
 
 class RecordingDesk {
   public:
-    RecordingDesk(std::function<void(int)> onLevel, DeviceChangeSink onDeviceChange);
+    /// `casts` outlives this object.
+    RecordingDesk(CastDesk& casts, std::function<void(int)> onLevel, DeviceChangeSink onDeviceChange);
 
     /// Throws CaptureError; nothing is open then.
     void Open(const protocol::Settings& settings);
@@ -36,6 +38,7 @@ class RecordingDesk {
     protocol::Recovery Store(const protocol::PackageFiles& files);
 
   private:
+    CastDesk& m_casts;
     const std::function<void(int)> m_onLevel;
     const DeviceChangeSink m_onDeviceChange;
     std::unique_ptr<Recorder> m_recorder;

@@ -68,8 +68,9 @@ protocol::Volume ToWire(const SourceVolume& volume) {
     return {volume.percent, volume.isMuted};
 }
 
-protocol::Uniformity AskUniformity(const protocol::Probe& probe) {
-    const Uniformity found = ProbePicture(probe.display, {probe.x, probe.y, probe.width, probe.height});
+protocol::Uniformity AskUniformity(CastDesk& casts, const protocol::Probe& probe) {
+    const auto cast = probe.fromCast != 0 ? casts.OpenSoon() : nullptr;
+    const Uniformity found = ProbePicture(probe.display, {probe.x, probe.y, probe.width, probe.height}, cast);
     return {found.isUniform, static_cast<std::int32_t>(found.colour)};
 }
 
@@ -116,7 +117,9 @@ int BlockedSignals() {
 
 WorkerServer::WorkerServer(int socket)
     : m_channel(socket),
-      m_desk([this](int level) { SendLevel(level); }, [this](const DeviceChange& change) { SendDeviceChange(change); }),
+      m_desk(
+          m_casts, [this](int level) { SendLevel(level); },
+          [this](const DeviceChange& change) { SendDeviceChange(change); }),
       m_devices([this](int level) { SendLevel(level); }) {
     AddRecordingHandlers();
     AddDeviceHandlers();
@@ -147,7 +150,7 @@ void WorkerServer::On(Kind kind, Function function) {
 
 void WorkerServer::AddRecordingHandlers() {
     On<Nothing>(Kind::kHello, [](const Nothing&) { return Number{protocol::kVersion}; });
-    On<protocol::Probe>(Kind::kProbe, AskUniformity);
+    On<protocol::Probe>(Kind::kProbe, [this](const auto& probe) { return AskUniformity(m_casts, probe); });
     On<protocol::Settings>(Kind::kOpen, [this](const auto& settings) {
         m_devices.ClosePreview();  // a camera can be opened once only
         m_desk.Open(settings);
@@ -221,6 +224,11 @@ void WorkerServer::Answer(const Message& request) {
             return ToVerdict(WholeVerify(path.value, progress, cancel));
         });
     if (request.kind == Kind::kInspect) return StartLong<protocol::InspectRequest>(request, InspectPackage);
+    if (request.kind == Kind::kCast)
+        return StartLong<Nothing>(request, [this](const Nothing&, const Progress&, const Cancel& cancel) {
+            m_casts.Open([&cancel] { return !cancel(); });
+            return Nothing{};
+        });
     Message answer{Kind::kDone, request.id, {}};
     try {
         const auto handler = m_handlers.find(request.kind);

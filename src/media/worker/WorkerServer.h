@@ -8,6 +8,7 @@
 #include <string>
 
 #include "media/protocol/Channel.h"
+#include "media/worker/CastDesk.h"
 #include "media/worker/DeviceDesk.h"
 #include "media/worker/RecordingDesk.h"
 #include "media/worker/VerifyJob.h"
@@ -42,6 +43,7 @@ class WorkerServer {
     void OnTerminate(int signalFd);
 
     protocol::Channel m_channel;
+    CastDesk m_casts;
     RecordingDesk m_desk;
     DeviceDesk m_devices;
     VerifyJob m_verify;
