@@ -19,6 +19,7 @@
 #include "adapters/impress/OfficeProcess.h"
 #include "adapters/impress/OfficeProfile.h"
 #include "adapters/impress/Selection.h"
+#include "adapters/impress/ShowWindow.h"
 #include "adapters/impress/UnoText.h"
 
 namespace kestrum::impress {
@@ -126,6 +127,20 @@ host::IApplication& ImpressOffice::Application() {
 
 OfficeMenu* ImpressOffice::Menu() {
     return m_parts->menu.get();
+}
+
+bool ImpressOffice::HasXWindows() {
+    const auto model = m_parts->model;
+    const auto document = model->ActiveDocument();
+    const std::uint32_t window = model->Link().Call(u"HasXWindows", [remote = model->Link().Remote(), document] {
+        return XidOf(FindShowFrame(remote, document->Model()));
+    });
+    try {
+        MeasureWindow(model->Display(), window);
+        return true;
+    } catch (const host::Error&) {
+        return false;
+    }
 }
 
 std::int64_t ImpressOffice::ProcessId() const {

@@ -56,6 +56,10 @@ class ImpressOffice {
     /// The commands in the office's own menu, which are ours from start or joining on; null without the extension.
     OfficeMenu* Menu();
 
+    /// False if the window of the active presentation is none that the X display knows, as that of an office that runs
+    /// as a Wayland program: then its shows cannot be found on the screen.
+    bool HasXWindows();
+
     /// Process of the office, 0 if unknown.
     std::int64_t ProcessId() const;
     /// False once the office has died or was given up.

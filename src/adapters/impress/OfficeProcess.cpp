@@ -47,15 +47,20 @@ void EnsureUtf8(Strings& environment) {
     Set(environment, "LC_CTYPE", "C.UTF-8");
 }
 
+/// Its windows are found and measured by X, in a Wayland session too.
+void BecomeXClient(Strings& environment, const std::string& display) {
+    std::erase_if(environment, [](const std::string& entry) { return Names(entry, "WAYLAND_DISPLAY"); });
+    Set(environment, "GDK_BACKEND", "x11");
+    Set(environment, "QT_QPA_PLATFORM", "xcb");
+    if (!display.empty()) Set(environment, "DISPLAY", display);
+}
+
 Strings EnvironmentFor(const OfficeProcess::Options& options) {
     Strings environment;
     for (char** entry = environ; *entry; ++entry) environment.emplace_back(*entry);
     EnsureUtf8(environment);
     if (!options.vclPlugin.empty()) Set(environment, "SAL_USE_VCLPLUGIN", options.vclPlugin);
-    if (!options.display.empty()) {
-        Set(environment, "DISPLAY", options.display);
-        std::erase_if(environment, [](const std::string& entry) { return Names(entry, "WAYLAND_DISPLAY"); });
-    }
+    BecomeXClient(environment, options.display);
     return environment;
 }
 

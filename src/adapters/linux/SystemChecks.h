@@ -10,13 +10,16 @@ namespace kestrum::platform::SystemChecks {
 
 enum class Session {
     X11,      ///< go on
-    Wayland,  ///< the screen of other programs cannot be captured: refuse
+    Wayland,  ///< only the desktop can give the picture of the screen: ask HasScreenCast
     None,     ///< no graphical session is known: go on if the display opens
 };
 
 /// Told by the session's own type (XDG_SESSION_TYPE); where there is none, by WAYLAND_DISPLAY. DISPLAY says nothing: a
 /// Wayland session has one too.
 Session SessionType();
+
+/// A desktop portal on the session bus offers screen casts. Starts it if it is not running; waits for 10 s at most.
+bool HasScreenCast();
 
 /// The X display named by DISPLAY answers.
 bool CanOpenDisplay();

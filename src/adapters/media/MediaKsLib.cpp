@@ -39,7 +39,8 @@ wire::PackageFiles ToWire(const String& package, const host::StoredFiles& files)
 
 }  // namespace
 
-MediaKsLib::MediaKsLib(WorkerLink& worker, IDrawingBoard* board) : m_worker(worker), m_board(board) {}
+MediaKsLib::MediaKsLib(WorkerLink& worker, IDrawingBoard* board, PixelSource pixels)
+    : m_worker(worker), m_board(board), m_pixels(pixels) {}
 
 // --- Recording -----------------------------------------------------------------------------------------------------
 
@@ -62,7 +63,7 @@ std::int16_t MediaKsLib::EncoderSetFilename(const String& package, const String&
 }
 
 std::int16_t MediaKsLib::SetCaptureArea(std::int32_t left, std::int32_t top, std::int32_t right, std::int32_t bottom) {
-    m_area = {{}, left, top, right - left + 1, bottom - top + 1};
+    m_area = PictureOf(left, top, right - left + 1, bottom - top + 1);
     return 1;
 }
 
@@ -133,8 +134,26 @@ void MediaKsLib::SetVolumeMeter(std::function<void(std::int32_t)> onLevel) {
     m_worker.OnLevel(std::move(onLevel));
 }
 
+wire::Probe MediaKsLib::PictureOf(std::int32_t left, std::int32_t top, std::int32_t width, std::int32_t height) const {
+    return {{}, left, top, width, height, m_pixels == PixelSource::Cast};
+}
+
+std::optional<String> MediaKsLib::AskForScreen() {
+    if (m_pixels == PixelSource::Display) return std::nullopt;
+    m_asking = true;
+    const bool isGiven = m_worker.AskPumping<Nothing>(Kind::kCast, Nothing{}).has_value();
+    m_asking = false;
+    if (isGiven) return std::nullopt;
+    const String sentence = FromUtf8(m_worker.LastFailure().sentence);
+    return sentence.empty() ? u"The media worker ended while it asked for the screen." : sentence;
+}
+
+void MediaKsLib::LeaveQuestion() {
+    if (m_asking) m_worker.Ask<Nothing>(Kind::kCancel, Nothing{});
+}
+
 bool MediaKsLib::IsPictureUniform(const host::Rect& area) {
-    const wire::Probe probe{{}, area.left, area.top, area.right - area.left, area.bottom - area.top};
+    const wire::Probe probe = PictureOf(area.left, area.top, area.right - area.left, area.bottom - area.top);
     const auto answer = m_worker.Ask<wire::Uniformity>(Kind::kProbe, probe);
     return answer && answer->isUniform != 0;
 }

@@ -18,10 +18,23 @@
 
 namespace kestrum::adapters {
 
+/// Where the pixels of the screen come from.
+enum class PixelSource {
+    Display,  ///< the X display
+    Cast,     ///< the desktop's screen cast: the display shows its own windows only
+};
+
 class MediaKsLib : public host::IKsLib {
   public:
     /// Both outlive this object. A program without a screen has no board: no sheet opens then.
-    explicit MediaKsLib(WorkerLink& worker, IDrawingBoard* board = nullptr);
+    explicit MediaKsLib(WorkerLink& worker, IDrawingBoard* board = nullptr, PixelSource pixels = PixelSource::Display);
+
+    /// Gets the desktop's permission to record the screen where one is needed, from its user if he has not given it
+    /// yet; a recording that was not preceded by it asks by itself, and waits for the user for seconds only. A sentence
+    /// if the screen cannot be recorded. Re-enters, and waits without limit.
+    std::optional<String> AskForScreen();
+    /// Takes a question of AskForScreen back, which counts as not answered then.
+    void LeaveQuestion();
 
     std::int32_t ksResetAVDevice() override;
     std::int32_t EncoderState() override;
@@ -92,6 +105,7 @@ class MediaKsLib : public host::IKsLib {
     std::int32_t DrawImageToFit(const String& target, const String& source) override;
 
   private:
+    wire::Probe PictureOf(std::int32_t left, std::int32_t top, std::int32_t width, std::int32_t height) const;
     std::int32_t AskNumber(wire::Kind kind, const String& package, std::int32_t fallback);
     bool OpenDevices();
     std::string Choose(const std::vector<NamedDevice>& devices, const String& name);
@@ -105,6 +119,8 @@ class MediaKsLib : public host::IKsLib {
 
     WorkerLink& m_worker;
     IDrawingBoard* const m_board;
+    const PixelSource m_pixels;
+    bool m_asking = false;
     String m_lastRecovery;
 
     // What outlives a job, as the state of a library in the own process would.

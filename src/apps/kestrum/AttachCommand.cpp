@@ -25,8 +25,8 @@ bool RecordsAutomatically(Console& console) {
 /// The time with an office: from the first command to its end.
 class Attachment {
   public:
-    Attachment(Session& session, impress::ImpressOffice& office)
-        : m_session(session), m_office(office), m_commands(session, office.Menu()) {}
+    Attachment(ScreenProgram& program, Session& session, impress::ImpressOffice& office)
+        : m_session(session), m_office(office), m_commands(program, session, office) {}
 
     void Run(const String& command) {
         host::IEventLoop& loop = m_session.c.host.loop;
@@ -74,7 +74,7 @@ int RunAttach(Console& console, const AttachRequest& request) {
     DisarmMarkerOfDeadRecorder(session.c);
     session.Connect();
     session.Accompany(false);
-    Attachment attachment(session, *office);
+    Attachment attachment(program, session, *office);
     int signal = 0;
     const platform::EndSignals endSignals(program.Loop(), [&](int number) {
         signal = number;

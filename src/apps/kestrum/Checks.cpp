@@ -33,6 +33,7 @@ void CheckWithScreen(ScreenProgram& program) {
     support::State state;
     const support::Context c{ports, forms, state};
     RefuseIf(CheckSound(c));
+    RefuseIf(program.AskForScreen());
     RefuseIf(CheckPicture(c));
 }
 

@@ -14,7 +14,7 @@ void RefuseIf(const std::optional<String>& sentence);
 /// `automatic`: shows are recorded only if the settings say so.
 void CheckWithoutScreen(Console& console, const String& deck, bool automatic);
 
-/// Sound and picture. Re-enters.
+/// Sound, the desktop's permission and picture. Re-enters.
 void CheckWithScreen(ScreenProgram& program);
 
 }  // namespace kestrum::app

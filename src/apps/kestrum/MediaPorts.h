@@ -16,8 +16,9 @@ inline String WorkerProgram() {
 
 struct MediaPorts {
     /// `board` is where one draws over a show, null without a screen; it outlives this.
-    MediaPorts(host::IEventLoop& loop, adapters::IDrawingBoard* board)
-        : worker(host::ToUtf8(WorkerProgram()), loop), ksLib(worker, board) {}
+    MediaPorts(host::IEventLoop& loop, adapters::IDrawingBoard* board,
+               adapters::PixelSource pixels = adapters::PixelSource::Display)
+        : worker(host::ToUtf8(WorkerProgram()), loop), ksLib(worker, board, pixels) {}
 
     adapters::WorkerLink worker;
     adapters::MediaKsLib ksLib;

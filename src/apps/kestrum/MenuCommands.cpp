@@ -2,6 +2,7 @@
 
 #include "addin/Busy.h"
 #include "apps/commandline/Preflight.h"
+#include "apps/commandline/Texts.h"
 #include "host/ResumeNext.h"
 #include "support/modGlobal.h"
 #include "support/modMsgBox.h"
@@ -25,7 +26,8 @@ std::optional<String> CheckActiveDeck(const addin::Context& c) {
 
 }  // namespace
 
-MenuCommands::MenuCommands(Session& session, impress::OfficeMenu* menu) : m_session(session), m_menu(menu) {
+MenuCommands::MenuCommands(ScreenProgram& program, Session& session, impress::ImpressOffice& office)
+    : m_program(program), m_session(session), m_office(office), m_menu(office.Menu()) {
     if (!m_menu) return;
     Look();
     m_look = session.c.host.loop.StartTimer(u"menu", kLookMs, host::TimerReentry::Entered, [this] { Look(); });
@@ -42,9 +44,28 @@ void MenuCommands::Pick(const String& id) {
     Show();
 }
 
+/// In a Wayland session the user's own Impress need not be an X client.
+std::optional<String> MenuCommands::CheckShowIsFound() {
+    bool isFound = true;
+    if (m_program.IsWayland()) {
+        host::ResumeNext{m_session.c.host.trace}.Set(isFound, [this] { return m_office.HasXWindows(); });
+    }
+    if (isFound) return std::nullopt;
+    return Sentence(
+        m_session.c, u"msgWaylandOffice",
+        u"This Impress runs as a Wayland program, so its slide show cannot be found on the screen. Close it "
+        u"and record with \"kestrum record\", or start Impress with GDK_BACKEND=x11.");
+}
+
+std::optional<String> MenuCommands::RefusalOf(const String& id) {
+    if (id != u"rec") return std::nullopt;
+    if (auto sentence = CheckActiveDeck(m_session.c)) return sentence;
+    if (auto sentence = CheckShowIsFound()) return sentence;
+    return m_program.AskForScreen();
+}
+
 void MenuCommands::Run(const String& id) {
-    const auto refusal = id == u"rec" ? CheckActiveDeck(m_session.c) : std::nullopt;
-    if (refusal) return modMsgBox::MsgBox(m_session.c, *refusal);
+    if (const auto refusal = RefusalOf(id)) return modMsgBox::MsgBox(m_session.c, *refusal);
     try {
         m_session.addIn.NotesButton(id);
     } catch (const host::Error& error) {

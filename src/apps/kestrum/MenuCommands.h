@@ -5,25 +5,31 @@
 
 #include <memory>
 
+#include "adapters/impress/ImpressOffice.h"
 #include "adapters/impress/OfficeMenu.h"
 #include "addin/Session.h"
+#include "apps/kestrum/ScreenProgram.h"
 
 namespace kestrum::app {
 
 class MenuCommands {
   public:
-    /// Serves `menu` (null: nothing to serve) for as long as it lives. All outlive it.
-    MenuCommands(Session& session, impress::OfficeMenu* menu);
+    /// Serves the office's menu, if it has one, for as long as it lives. All outlive it.
+    MenuCommands(ScreenProgram& program, Session& session, impress::ImpressOffice& office);
 
     /// Runs the command, unless one is under way. Re-enters.
     void Pick(const String& id);
 
   private:
+    std::optional<String> RefusalOf(const String& id);
+    std::optional<String> CheckShowIsFound();
     void Run(const String& id);
     void Look();
     void Show();
 
+    ScreenProgram& m_program;
     Session& m_session;
+    impress::ImpressOffice& m_office;
     impress::OfficeMenu* m_menu;
     bool m_running = false;
     std::int32_t m_looks = 0;

@@ -13,10 +13,16 @@ namespace {
 /// toolkit starts, which would end the process without a display.
 bool CheckScreen(bool unattended) {
     namespace checks = platform::SystemChecks;
-    if (checks::SessionType() == checks::Session::Wayland) {
+    const bool isWayland = checks::SessionType() == checks::Session::Wayland;
+    if (isWayland && !checks::HasScreenCast()) {
         Refuse(
-            u"This is a Wayland session, in which no program can record the screen of others; log in to an X11 session "
-            u"and record there.");
+            u"This is a Wayland session whose desktop gives no program the picture of the screen (it has no desktop "
+            u"portal with screen casts); log in to an X11 session and record there.");
+    }
+    if (isWayland && !checks::CanOpenDisplay()) {
+        Refuse(
+            u"This is a Wayland session without XWayland, which Impress and the recorder need; switch it on, or log in "
+            u"to an X11 session and record there.");
     }
     if (!checks::CanOpenDisplay()) {
         Refuse(u"The display cannot be opened; start the recorder from a graphical X11 session.");
@@ -28,6 +34,7 @@ bool CheckScreen(bool unattended) {
 
 ScreenProgram::ScreenProgram(Console& console, bool unattended)
     : m_unattended(CheckScreen(unattended)),
+      m_isWayland(platform::SystemChecks::SessionType() == platform::SystemChecks::Session::Wayland),
       m_application(m_argumentCount, m_arguments),
       m_box(m_loop, u"Kestrum for PowerPoint"),
       m_answers(console),
@@ -66,6 +73,7 @@ void ScreenProgram::LeaveQuestions() {
         m_fileDialog.Leave();
         m_box.Leave();
         m_screen.LeaveDialogs();
+        m_media.ksLib.LeaveQuestion();
     };
     leave();
     m_leaving = m_loop.StartTimer(u"leave questions", kLookMs, host::TimerReentry::Entered, leave);

@@ -1,5 +1,5 @@
-// The ports of a recording: the X desktop, forms through Qt, and whatever office is given. Unattended, boxes and forms
-// are answered; else they wait for their user.
+// The ports of a recording: the X desktop (that of XWayland in a Wayland session), forms through Qt, and whatever
+// office is given. Unattended, boxes and forms are answered; else they wait for their user.
 #pragma once
 
 #include "adapters/linux/LinuxKsHook.h"
@@ -21,12 +21,18 @@ namespace kestrum::app {
 
 class ScreenProgram {
   public:
-    /// Throws host::Error with a sentence if this session's screen cannot be recorded (Wayland, no display).
+    /// Throws host::Error with a sentence if this session's screen cannot be recorded (no display; Wayland without a
+    /// portal that casts the screen, or without X clients).
     ScreenProgram(Console& console, bool unattended);
 
     /// The bundle with this office.
     host::Host Ports(host::IApplication& office);
     qt::QtEventLoop& Loop() { return m_loop; }
+    /// The desktop is Wayland's, and the display shows its own windows only.
+    bool IsWayland() const { return m_isWayland; }
+    /// Gets the desktop's permission to record the screen, where one is needed; a sentence if it is refused. Its user
+    /// may be asked (re-enters).
+    std::optional<String> AskForScreen() { return m_media.ksLib.AskForScreen(); }
     host::IMonitors& Monitors() { return m_monitors; }
     host::IPackageInspector& Inspector() { return m_media.inspector; }
     /// What the drawing board wants to hear of the office: the slides that come on screen.
@@ -44,6 +50,7 @@ class ScreenProgram {
     char* m_arguments[2] = {m_name, nullptr};
 
     const bool m_unattended;
+    const bool m_isWayland;
     Ground m_ground;
     qt::QtApplication m_application;
     qt::QtEventLoop m_loop{m_ground.trace};
@@ -60,7 +67,7 @@ class ScreenProgram {
     qt::QtPresenter m_screen{m_loop};
     UnattendedPresenter m_presenter;
     qt::QtDrawingBoard m_board{m_loop};
-    MediaPorts m_media{m_loop, &m_board};
+    MediaPorts m_media{m_loop, &m_board, m_isWayland ? adapters::PixelSource::Cast : adapters::PixelSource::Display};
     std::unique_ptr<host::ITimer> m_leaving;
 };
 

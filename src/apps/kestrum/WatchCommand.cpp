@@ -75,7 +75,7 @@ int RunWatch(Console& console, const WatchRequest& request) {
     Session session(ports);
     session.Connect();
     session.Accompany(true);
-    const MenuCommands commands(session, office->Menu());
+    const MenuCommands commands(program, session, *office);
     Watch watch(session, office->Application(), console);
     int signal = 0;
     const platform::EndSignals endSignals(program.Loop(), [&](int number) {
