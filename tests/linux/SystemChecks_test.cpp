@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "real/MessageBus.h"
 #include "real/XvfbServer.h"
 
 namespace kestrum::platform {
@@ -27,6 +28,14 @@ TEST(SystemChecks, SessionType_IsToldByTheSession_NotByDisplay) {
     }
     const ScopedEnv type("XDG_SESSION_TYPE", "tty"), socket("WAYLAND_DISPLAY", "");
     EXPECT_EQ(SessionType(), Session::None);
+}
+
+TEST(SystemChecks, ScreenCast_NeedsAPortalOnTheBus) {
+    const ScopedEnv none("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nowhere/bus");
+    EXPECT_FALSE(SystemChecks::HasScreenCast());
+    const real::MessageBus bus;
+    const ScopedEnv address = bus.Use();
+    EXPECT_FALSE(SystemChecks::HasScreenCast());
 }
 
 TEST(SystemChecks, Display_IsTried) {

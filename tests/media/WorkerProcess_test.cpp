@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "FakePortal.h"
 #include "Places.h"
 #include "media/package/Package.h"
 #include "media/protocol/Channel.h"
@@ -214,6 +215,43 @@ TEST_F(WorkerProcess, FailedStart_LeavesTheWorkerReadyForTheNext) {
     Start(worker);
     EXPECT_GT(KeyFrame(worker), 0);
     EXPECT_EQ(worker.Ask(Kind::kStop, Nothing{}).kind, Kind::kDone);
+}
+
+TEST_F(WorkerProcess, QuestionForTheScreen_WaitsForItsUser_WhileTheWorkerGoesOn) {
+    const MessageBus bus;
+    FakePortal portal(bus);
+    portal.answer = UserAnswer::kSaysNothing;
+    auto env = Env();
+    env.emplace_back("DBUS_SESSION_BUS_ADDRESS", bus.Address());
+    Worker worker(env);
+    worker.channel->Send(Channel::Make(Kind::kCast, 1000, Nothing{}));
+    ASSERT_TRUE(WaitFor([&] { return portal.questions > 0; }));
+    EXPECT_EQ(worker.Get<Number>(Kind::kHello, Nothing{}).value, kVersion);
+    worker.Get<Nothing>(Kind::kCancel, Nothing{});
+    const auto answer = worker.channel->Receive();
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->id, 1000U);
+    ASSERT_EQ(answer->kind, Kind::kFailed);
+    EXPECT_EQ(Unpack<Failure>(answer->body).sentence,
+              "Nobody answered the desktop's question for the screen; record again, and allow it.");
+    EXPECT_TRUE(WaitFor([&] { return portal.isWithdrawn.load(); }));
+}
+
+TEST_F(WorkerProcess, RecordingFromADesktopThatRefuses_IsRefusedBeforeAnythingIsOpen) {
+    const MessageBus bus;
+    FakePortal portal(bus);
+    portal.answer = UserAnswer::kRefuses;
+    auto env = Env();
+    env.emplace_back("DBUS_SESSION_BUS_ADDRESS", bus.Address());
+    Worker worker(env);
+    Settings settings;
+    settings.picture = {m_display.Name(), 0, 0, kWidth, kHeight, 1};
+    settings.soundSources = {PulseServer::kMicrophone};
+    const Message answer = worker.Ask(Kind::kOpen, settings);
+    ASSERT_EQ(answer.kind, Kind::kFailed);
+    EXPECT_EQ(Unpack<Failure>(answer.body).part, FailedPart::kCapture);
+    settings.picture.fromCast = 0;
+    EXPECT_EQ(worker.Ask(Kind::kOpen, settings).kind, Kind::kDone) << "the display itself needs no desktop";
 }
 
 TEST_F(WorkerProcess, NonsenseRequests_AreRefusedAndTheWorkerGoesOn) {
