@@ -4,8 +4,9 @@
     bench/recorders.py [SECONDS [CONTENT...]]     20 seconds each of slides, anim and video if not said otherwise
 
 Told for each: processor time for a second of media (of the recorder, and what the X server and the sound server need
-more than without a recorder), memory, bytes a minute of video, pictures delivered of those shown, and likeness (SSIM
-of luma, mean of some pictures; their numbers are in them, so that like is compared with like). All record 1920x1080 with
+more than without a recorder), memory, bytes a minute of video, pictures delivered of those shown, likeness (SSIM
+of luma, mean of some pictures; their numbers are in them, so that like is compared with like), and what is left of the
+show beside it: the share of its pictures that it could show, and how late they were (median, ms). All record 1920x1080 with
 H.264 and stereo AAC of 96 kbit/s; a last row has the sound that the product records if nothing else is said.
 
 Needs simplescreenrecorder and ffmpeg; builds the rest.
@@ -14,6 +15,7 @@ import os
 import pathlib
 import re
 import signal
+import statistics
 import subprocess
 import sys
 import tempfile
@@ -128,8 +130,9 @@ class SimpleScreenRecorder:
 def measure(recorder, content, rate, seconds, folder):
     """What it costs to record the content; without a recorder what the servers need anyway."""
     servers = [sibling("Xvfb"), sibling("pulseaudio")]
-    show = subprocess.Popen([surroundings.PROGRAMS / "stage_show", content, str(seconds + SETTLE + SPARE)],
-                            stdout=subprocess.DEVNULL)
+    told = folder / "shown.txt"
+    with told.open("w") as out:
+        show = subprocess.Popen([surroundings.PROGRAMS / "stage_show", content, str(seconds + SETTLE + SPARE)], stdout=out)
     time.sleep(1)
     file = folder / f"recording{recorder.suffix if recorder else ''}"
     file.unlink(missing_ok=True)
@@ -140,13 +143,16 @@ def measure(recorder, content, rate, seconds, folder):
     before = [cpu(pid) for pid in watched + servers]
     began = time.monotonic()
     time.sleep(seconds)
-    cost = [(cpu(pid) - at) / (time.monotonic() - began) for pid, at in zip(watched + servers, before)]
+    ended = time.monotonic()
+    cost = [(cpu(pid) - at) / (ended - began) for pid, at in zip(watched + servers, before)]
     memory = peak_memory(recorder.process.pid) if recorder else 0
     if recorder:
         recorder.stop()
     show.terminate()
     show.wait()
-    return {"cost": cost, "memory": memory, "file": file}
+    rows = [tuple(map(int, line.split())) for line in told.read_text().splitlines() if line.count(" ") == 2]
+    return {"cost": cost, "memory": memory, "file": file, "shown": {number for number, _, _ in rows},
+            "show": [(number, late / 1000) for number, at, late in rows if began <= at / 1e9 <= ended]}
 
 
 def video_bytes_a_minute(file):
@@ -185,12 +191,22 @@ def likeness(file, content, seen, folder, count=6):
     return sum(sums) / len(sums)
 
 
-def delivered(content, seen, rate):
-    """Share of the pictures that were there to be taken."""
+def delivered(content, seen, shown, rate):
+    """Share of the shown pictures that were there to be taken."""
     if content == "slides":
         return None
-    later = seen[len(seen) // 4:]
-    return len(set(later)) / ((max(later) - min(later) + 1) * min(rate, 30) / 30)
+    later = set(seen[len(seen) // 4:])
+    there = [number for number in shown if min(later) <= number <= max(later)]
+    return len(later) / (len(there) * min(rate, 30) / 30)
+
+
+def smoothness(content, show):
+    """Share of its pictures that the show could show, and how late they were in the middle (ms)."""
+    if content == "slides" or not show:
+        return f"{'-':>8}{'-':>7}"
+    numbers_shown = [number for number, _ in show]
+    share = len(numbers_shown) / (numbers_shown[-1] - numbers_shown[0] + 1)
+    return f"{share:8.0%}{statistics.median(late for _, late in show):7.1f}"
 
 
 def run(seconds, contents):
@@ -198,20 +214,23 @@ def run(seconds, contents):
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         for content in contents:
-            idle = measure(None, content, 0, seconds, folder)["cost"]
+            alone = measure(None, content, 0, seconds, folder)
+            idle = alone["cost"]
             for rate in (10, 30):
                 own = None
                 print(f"\n{content}, {rate} pictures a second", flush=True)
-                print(f"{'':24}{'CPU':>7}{'times':>7}{'MB':>6}{'kB/min':>9}{'delivered':>11}{'SSIM':>9}")
+                print(f"{'':24}{'CPU':>7}{'times':>7}{'MB':>6}{'kB/min':>9}{'delivered':>11}{'SSIM':>9}"
+                      f"{'shown':>8}{'late':>7}")
+                print(f"{'no recorder':24}{'':49}{smoothness(content, alone['show'])}", flush=True)
                 for recorder in recorders:
                     got = measure(recorder, content, rate, seconds, folder)
                     cost = got["cost"][0] + sum(max(0, with_ - without) for with_, without in zip(got["cost"][1:], idle))
                     own = own or cost
                     seen = numbers(got["file"])
-                    share = delivered(content, seen, rate)
+                    share = delivered(content, seen, got["shown"], rate)
                     print(f"{recorder.name:24}{cost:7.3f}{cost / own:7.1f}{got['memory']:6.0f}"
                           f"{video_bytes_a_minute(got['file']) / 1000:9.0f}{'-' if share is None else f'{share:.0%}':>11}"
-                          f"{likeness(got['file'], content, seen, folder):9.4f}", flush=True)
+                          f"{likeness(got['file'], content, seen, folder):9.4f}{smoothness(content, got['show'])}", flush=True)
 
 
 def main(arguments):

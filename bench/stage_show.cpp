@@ -5,7 +5,9 @@
 // Each picture carries its number in a row of black and white fields, so that it can be told which pictures a recording
 // has and how they should look.
 //
-//   stage_show CONTENT SECONDS            shows it; tells the number of pictures shown
+//   stage_show CONTENT SECONDS            shows it; tells of each picture shown its number, the moment (monotonic
+//   clock,
+//                                         ns) and how late it was (us): what a recorder takes away from the show
 //   stage_show CONTENT --picture NUMBER   that picture as a portable pixmap on the standard output
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
@@ -199,13 +201,22 @@ class Screen {
     XShmSegmentInfo m_segment{};
 };
 
+void Tell(int picture, std::chrono::steady_clock::time_point due) {
+    using namespace std::chrono;
+    const auto now = steady_clock::now();
+    const auto late = duration_cast<microseconds>(now - due).count();
+    const auto at = duration_cast<nanoseconds>(now.time_since_epoch()).count();
+    std::printf("%d %lld %lld\n", picture, static_cast<long long>(at), static_cast<long long>(late));
+    std::fflush(stdout);
+}
+
 void Show(const std::string& name, double seconds) {
     constexpr Box kNumber{kNumberX, kNumberY, kBits * kField, kField};
     Screen screen;
     Canvas canvas = screen.Pixels();
     Content content(name);
     const auto begin = std::chrono::steady_clock::now();
-    int shown = 0, lastSlide = -1;
+    int lastSlide = -1;
     for (int picture = 0; picture < seconds * kRate; ++picture) {
         const auto due = begin + std::chrono::microseconds(1'000'000LL * picture / kRate);
         // On a busy machine pictures are left out, not shown late.
@@ -216,10 +227,9 @@ void Show(const std::string& name, double seconds) {
         lastSlide = Content::SlideOf(picture);
         screen.Show(content.Draw(canvas, picture));
         if (!content.IsSteady() && name != "video") screen.Show(kNumber);
-        ++shown;
+        Tell(picture, due);
     }
     std::this_thread::sleep_until(begin + std::chrono::duration<double>(seconds));
-    std::printf("%d\n", shown);
 }
 
 void Print(const std::string& name, int picture) {
