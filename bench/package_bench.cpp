@@ -82,6 +82,7 @@ void Measure(const fs::path& folder) {
     const std::string path = folder / "lecture.ktr", other = folder / "other.mkv", copy = folder / "copy.mkv";
     Make(path);
     fs::copy_file(path, other);
+    sync();  // else what was just written would be waited for below
     std::printf("a package of %.2f GB, two hours\n", static_cast<double>(fs::file_size(path)) / 1e9);
     const std::string project = folder / "project.ksp";
     const Bytes content = Project(200);

@@ -59,7 +59,9 @@ std::optional<std::vector<CueEntry>> ReadCues(IStorage& storage, const Element& 
         return true;
     });
     if (!whole) return std::nullopt;
-    std::stable_sort(entries.begin(), entries.end(), [](const CueEntry& a, const CueEntry& b) { return a.ms < b.ms; });
+    const auto earlier = [](const CueEntry& a, const CueEntry& b) { return a.ms < b.ms; };
+    if (!std::is_sorted(entries.begin(), entries.end(), earlier))
+        std::stable_sort(entries.begin(), entries.end(), earlier);
     return entries;
 }
 

@@ -60,6 +60,11 @@ std::uint32_t CrcOf(IStorage& storage, std::uint64_t begin, std::uint64_t end) {
     return static_cast<std::uint32_t>(checksum);
 }
 
+/// An identifier and a size of one byte each: most of a long list's elements.
+bool IsShortHeader(std::uint8_t first, std::uint8_t second) {
+    return first >= 0x80 && first != 0xFF && second >= 0x80 && second != 0xFF;
+}
+
 }  // namespace
 
 std::optional<Element> ReadElement(IStorage& storage, std::uint64_t position, std::uint64_t limit) {
@@ -74,6 +79,10 @@ std::optional<Element> ReadElement(std::span<const std::uint8_t> bytes, std::uin
     limit = std::min<std::uint64_t>(limit, bytes.size());
     if (position >= limit) return std::nullopt;
     const std::size_t wanted = std::min<std::uint64_t>(kLongestHeader, limit - position);
+    if (wanted >= 2 && IsShortHeader(bytes[position], bytes[position + 1])) {
+        const Element element{bytes[position], position, position + 2, bytes[position + 1] & 0x7FU};
+        return element.End() <= limit ? std::optional(element) : std::nullopt;
+    }
     return ParseHeader(bytes.subspan(position, wanted), position, limit);
 }
 

@@ -146,8 +146,8 @@ class FrontRegion {
 
 class Replacement {
   public:
-    Replacement(IStorage& storage, const ReserveTail& reserveTail)
-        : m_storage(storage), m_reserveTail(reserveTail), m_map(ReadMap(storage)) {
+    Replacement(IStorage& storage, const PackageMap& map, const ReserveTail& reserveTail)
+        : m_storage(storage), m_map(map), m_reserveTail(reserveTail) {
         if (!m_map.ownLayout) throw Error(ErrorKind::kDamaged, "The head of the package is damaged.", 0);
     }
 
@@ -251,15 +251,14 @@ class Replacement {
     }
 
     IStorage& m_storage;
+    const PackageMap& m_map;
     const ReserveTail& m_reserveTail;
-    PackageMap m_map;
     std::vector<RawFile> m_files;
     std::vector<ChapterMark> m_marks;
 };
 
 /// The Voids between the media and the set that counts, if they are big enough for another: sets take turns there.
-std::optional<TailRoom> HoleInTail(IStorage& storage, std::uint64_t bytes) {
-    const PackageMap map = ReadMap(storage);
+std::optional<TailRoom> HoleInTail(IStorage& storage, const PackageMap& map, std::uint64_t bytes) {
     const std::uint64_t end = map.head.attachments;
     std::uint64_t position = map.cues ? map.cues->End() : map.mediaBegin;
     std::optional<std::uint64_t> begin;
@@ -288,24 +287,33 @@ TailRoom RoomAtEnd(IStorage& storage) {
 }  // namespace
 
 void ReplaceFiles(IStorage& storage, const StoredFiles& changes, const ReserveTail& reserveTail) {
-    Replacement(storage, reserveTail).Apply(changes);
+    const PackageMap map = ReadMap(storage);
+    Replacement(storage, map, reserveTail).Apply(changes);
 }
 
 void ReplaceFilesOfClosedPackage(IStorage& storage, const StoredFiles& changes) {
-    ReplaceFiles(storage, changes, [&](std::uint64_t bytes) {
-        if (const auto hole = HoleInTail(storage, bytes)) return *hole;
+    ReplaceFilesOfClosedPackage(storage, ReadMap(storage), changes);
+}
+
+void ReplaceFilesOfClosedPackage(IStorage& storage, const PackageMap& map, const StoredFiles& changes) {
+    const ReserveTail reserve = [&](std::uint64_t bytes) {
+        if (const auto hole = HoleInTail(storage, map, bytes)) return *hole;
         // What lies behind the last thing that counts is left over from a change that was cut short.
-        storage.Truncate(ReadMap(storage).referencedEnd);
+        storage.Truncate(map.referencedEnd);
         return RoomAtEnd(storage);
-    });
+    };
+    Replacement(storage, map, reserve).Apply(changes);
+    const bool hasTail = map.head.attachments != 0 || storage.Size() != map.referencedEnd;
+    if (!hasTail) return;
     // Old sets at the end of the file are given back.
-    const PackageMap map = ReadMap(storage);
-    if (map.tailWhole && map.referencedEnd < map.fileSize) storage.Truncate(map.referencedEnd);
+    const PackageMap now = ReadMap(storage);
+    if (now.tailWhole && now.referencedEnd < now.fileSize) storage.Truncate(now.referencedEnd);
 }
 
 void CopyFiles(IStorage& source, const PackageMap& sourceMap, IStorage& target) {
     const ReserveTail reserve = [&](std::uint64_t) { return RoomAtEnd(target); };
-    Replacement(target, reserve).CopyFrom(source, sourceMap);
+    const PackageMap map = ReadMap(target);
+    Replacement(target, map, reserve).CopyFrom(source, sourceMap);
 }
 
 StoredFiles LoadAttachedFiles(IStorage& storage, const PackageMap& map) {

@@ -22,7 +22,8 @@ using ReserveTail = std::function<TailRoom(std::uint64_t bytes)>;
 /// On the disk when it returns. Throws kDamaged if the present files are, and changes nothing then.
 void ReplaceFiles(IStorage& storage, const StoredFiles& changes, const ReserveTail& reserveTail);
 
-/// The same for a package that no recorder has open: room behind the media is used again.
+/// The same for a package that no recorder has open: room behind the media is used again. `map` is what ReadMap finds.
+void ReplaceFilesOfClosedPackage(IStorage& storage, const PackageMap& map, const StoredFiles& changes);
 void ReplaceFilesOfClosedPackage(IStorage& storage, const StoredFiles& changes);
 
 /// Puts the files of `source` into `target`, which has none, as they are: unknown ones keep all that is said of them.

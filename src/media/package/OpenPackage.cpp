@@ -1,5 +1,7 @@
 #include "media/package/OpenPackage.h"
 
+#include <utility>
+
 #include "media/package/Error.h"
 #include "media/package/OwnLayout.h"
 #include "media/package/Recovery.h"
@@ -20,32 +22,42 @@ void RequireWritable(const PackageMap& map) {
     if (!map.headReadable) throw Error(ErrorKind::kDamaged, "The head of the package is damaged.", 0);
 }
 
+OpenedPackage WithMap(std::unique_ptr<IStorage> storage) {
+    PackageMap map = ReadMap(*storage);
+    return {std::move(storage), std::move(map)};
+}
+
 }  // namespace
 
-std::unique_ptr<IStorage> OpenExisting(const std::string& path) {
+OpenedPackage OpenExisting(const std::string& path) {
     auto storage = FileStorage::Open(path, FileStorage::Access::kReadWrite);
     if (storage->LockExclusive() == LockResult::kHeldByOther)
         throw Error(ErrorKind::kLocked, "'" + path + "' is being recorded or written by another program.", 0);
-    const PackageMap map = ReadMap(*storage);
+    PackageMap map = ReadMap(*storage);
     RequireWritable(map);
-    if (map.ownLayout) return storage;
-    return FileStorage::Create(path, FileStorage::Collision::kReplace,
-                               [&](IStorage& target) { CopyIntoOwnLayout(*storage, map, target); });
+    if (map.ownLayout) return {std::move(storage), std::move(map)};
+    return WithMap(FileStorage::Create(path, FileStorage::Collision::kReplace,
+                                       [&](IStorage& target) { CopyIntoOwnLayout(*storage, map, target); }));
 }
 
-std::unique_ptr<IStorage> OpenOrCreate(const std::string& path) {
+OpenedPackage OpenOrCreate(const std::string& path) {
     if (FileStorage::Exists(path)) return OpenExisting(path);
-    return FileStorage::Create(path, FileStorage::Collision::kRefuse, [](IStorage& target) {
+    return WithMap(FileStorage::Create(path, FileStorage::Collision::kRefuse, [](IStorage& target) {
         target.WriteAt(0, BuildEmptyPackage());
         target.Truncate(kMediaAt);
-    });
+    }));
 }
 
-std::optional<RecoveryReport> PrepareForWriting(IStorage& storage) {
-    RequireWritable(ReadMap(storage));
-    const auto recovered = RecoverIfInterrupted(storage);
-    const PackageMap map = ReadMap(storage);
-    if (map.tailWhole && map.referencedEnd < map.fileSize) storage.Truncate(map.referencedEnd);
+std::optional<RecoveryReport> PrepareForWriting(OpenedPackage& opened) {
+    auto& [storage, map] = opened;
+    RequireWritable(map);
+    const bool isInterrupted = map.IsInterrupted();
+    const auto recovered = RecoverIfInterrupted(*storage, map);
+    if (isInterrupted) map = ReadMap(*storage);
+    if (map.tailWhole && map.referencedEnd < map.fileSize) {
+        storage->Truncate(map.referencedEnd);
+        map.fileSize = map.referencedEnd;
+    }
     return recovered;
 }
 

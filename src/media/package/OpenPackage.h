@@ -11,16 +11,22 @@
 
 namespace kestrum::media {
 
+/// A package that is open and locked, and what lies where in it.
+struct OpenedPackage {
+    std::unique_ptr<IStorage> storage;
+    PackageMap map;
+};
+
 /// Opens and locks the package at `path`. Throws kLocked while another one holds it, kNotAPackage for what is none of
 /// ours or of another format version, kDamaged if its head cannot be read. One that another program edited, so that
 /// things lie elsewhere, is copied into our own layout and replaced; all files in it stay.
-std::unique_ptr<IStorage> OpenExisting(const std::string& path);
+OpenedPackage OpenExisting(const std::string& path);
 /// The same; makes an empty package where there is none.
-std::unique_ptr<IStorage> OpenOrCreate(const std::string& path);
+OpenedPackage OpenOrCreate(const std::string& path);
 
 /// Refuses as OpenExisting does; then recovers an interrupted package and takes off what a cut-short change left at the
-/// end.
-std::optional<RecoveryReport> PrepareForWriting(IStorage& storage);
+/// end. The map follows.
+std::optional<RecoveryReport> PrepareForWriting(OpenedPackage& opened);
 
 /// Writes the tracks into a package without media.
 void WriteTracks(IStorage& storage, const TrackConfigs& tracks);

@@ -30,6 +30,11 @@ Opened OpenOurs(const std::string& path) {
     return opened;
 }
 
+std::optional<RecoveryReport> RecoverExisting(const std::string& path) {
+    const OpenedPackage package = OpenExisting(path);
+    return RecoverIfInterrupted(*package.storage, package.map);
+}
+
 std::vector<std::int64_t> KeyFramesOf(const std::vector<CueEntry>& cues) {
     std::vector<std::int64_t> positions;
     for (const CueEntry& cue : cues)
@@ -174,7 +179,7 @@ VerifyResult WholeVerify(const std::string& path, const Progress& progress, cons
     result.soundness = QuickVerify(path);
     if (result.soundness == Soundness::kInterrupted) {
         try {
-            result.recovered = RecoverIfInterrupted(*OpenExisting(path));
+            result.recovered = RecoverExisting(path);
         } catch (const Error& error) {
             if (error.kind == ErrorKind::kLocked) {
                 result.soundness = Soundness::kRecording;
@@ -193,7 +198,7 @@ VerifyResult WholeVerify(const std::string& path, const Progress& progress, cons
 
 std::optional<RecoveryReport> Recover(const std::string& path) {
     if (!OpenOurs(path).map.IsInterrupted()) return std::nullopt;
-    return RecoverIfInterrupted(*OpenExisting(path));
+    return RecoverExisting(path);
 }
 
 StoredFiles ReadStored(const std::string& path) {
@@ -202,13 +207,12 @@ StoredFiles ReadStored(const std::string& path) {
 }
 
 std::optional<RecoveryReport> WriteStored(const std::string& path, const StoredFiles& files) {
-    const auto storage = OpenOrCreate(path);
-    const PackageMap before = ReadMap(*storage);
+    OpenedPackage package = OpenOrCreate(path);
     StoredFiles present;
-    if (before.Find(kJournalName) != nullptr) present = LoadAttachedFiles(*storage, before);
-    const auto recovered = PrepareForWriting(*storage);
-    const std::int64_t length = std::llround(ReadMap(*storage).head.durationMs.value_or(0));
-    ReplaceFilesOfClosedPackage(*storage, MergePendingJournal(files, present, length));
+    if (package.map.Find(kJournalName) != nullptr) present = LoadAttachedFiles(*package.storage, package.map);
+    const auto recovered = PrepareForWriting(package);
+    const std::int64_t length = std::llround(package.map.head.durationMs.value_or(0));
+    ReplaceFilesOfClosedPackage(*package.storage, package.map, MergePendingJournal(files, present, length));
     return recovered;
 }
 

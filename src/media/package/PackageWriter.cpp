@@ -12,10 +12,10 @@ namespace kestrum::media {
 
 class PackageWriter::Impl {
   public:
-    explicit Impl(std::unique_ptr<IStorage> openStorage)
-        : storage(std::move(openStorage)),
-          recovered(PrepareForWriting(*storage)),
-          map(ReadMap(*storage)),
+    explicit Impl(OpenedPackage opened)
+        : recovered(PrepareForWriting(opened)),
+          storage(std::move(opened.storage)),
+          map(std::move(opened.map)),
           startMs(std::llround(map.head.durationMs.value_or(0))),
           endMs(startMs),
           lastVideoMs(startMs - 1),
@@ -52,9 +52,9 @@ class PackageWriter::Impl {
         return cues;
     }
 
-    std::unique_ptr<IStorage> storage;  ///< empty once closed
     std::optional<RecoveryReport> recovered;
-    PackageMap map;  ///< as it was at the opening
+    std::unique_ptr<IStorage> storage;  ///< empty once closed
+    PackageMap map;                     ///< as it was at the opening
     std::int64_t startMs;
     std::int64_t endMs;
     std::int64_t lastVideoMs;
@@ -75,11 +75,13 @@ PackageWriter::PackageWriter(std::unique_ptr<Impl> impl) : m_impl(std::move(impl
 PackageWriter::~PackageWriter() = default;
 
 std::unique_ptr<PackageWriter> PackageWriter::Open(const std::string& path) {
-    return Open(OpenOrCreate(path));
+    return std::unique_ptr<PackageWriter>(new PackageWriter(std::make_unique<Impl>(OpenOrCreate(path))));
 }
 
 std::unique_ptr<PackageWriter> PackageWriter::Open(std::unique_ptr<IStorage> storage) {
-    return std::unique_ptr<PackageWriter>(new PackageWriter(std::make_unique<Impl>(std::move(storage))));
+    PackageMap map = ReadMap(*storage);
+    OpenedPackage opened{std::move(storage), std::move(map)};
+    return std::unique_ptr<PackageWriter>(new PackageWriter(std::make_unique<Impl>(std::move(opened))));
 }
 
 const std::optional<RecoveryReport>& PackageWriter::Recovered() const {

@@ -160,7 +160,10 @@ void FinishIndex(IStorage& storage, std::int64_t lengthMs, RecoveryReport& repor
 }
 
 std::optional<RecoveryReport> RecoverIfInterrupted(IStorage& storage) {
-    const PackageMap map = ReadMap(storage);
+    return RecoverIfInterrupted(storage, ReadMap(storage));
+}
+
+std::optional<RecoveryReport> RecoverIfInterrupted(IStorage& storage, const PackageMap& map) {
     if (!map.headReadable || !map.ownLayout)
         throw Error(ErrorKind::kDamaged, "The head of the package is damaged; it cannot be recovered.", 0);
     if (!map.IsInterrupted()) return std::nullopt;

@@ -12,6 +12,8 @@ namespace kestrum::media {
 
 /// Recovers the package if a recorder died in it; nullopt if not. The storage is open for writing and locked. Throws
 /// kDamaged, and changes nothing, if the head cannot be read.
+/// `map` is what ReadMap finds.
+std::optional<RecoveryReport> RecoverIfInterrupted(IStorage& storage, const PackageMap& map);
 std::optional<RecoveryReport> RecoverIfInterrupted(IStorage& storage);
 
 /// The media as a recovery would leave them, without changing a byte: of a whole package what its head says.
