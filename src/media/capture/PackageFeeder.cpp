@@ -138,9 +138,13 @@ class PackageFeeder::Impl {
 
     void Run() {
         std::unique_lock lock(m_mutex);
-        // What comes meanwhile is written together.
-        while (!m_wake.wait_for(lock, kRoundInterval, [this] { return m_stop; })) {
+        auto earliest = std::chrono::steady_clock::now();
+        for (;;) {
             AwaitNews(lock);
+            // What comes meanwhile is written together.
+            if (m_wake.wait_until(lock, earliest, [this] { return m_stop; })) return;
+            m_hasNews = false;
+            earliest = std::chrono::steady_clock::now() + kRoundInterval;
             lock.unlock();
             const auto failure = Step();
             lock.lock();
@@ -153,7 +157,6 @@ class PackageFeeder::Impl {
         // A journal that waits for its picture has a time limit, too.
         const auto longest = m_journals.empty() ? kIdleInterval : kRoundInterval;
         m_wake.wait_for(lock, longest, [this] { return m_stop || m_hasNews; });
-        m_hasNews = false;
     }
 
     /// One round; what went wrong, if the file takes nothing any more.
