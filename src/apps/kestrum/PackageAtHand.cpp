@@ -1,5 +1,7 @@
 #include "apps/kestrum/PackageAtHand.h"
 
+#include <cstdint>
+
 #include "apps/commandline/Texts.h"
 #include "project/modProject.h"
 #include "support/modGlobal.h"
@@ -8,6 +10,17 @@ namespace kestrum::app {
 namespace {
 
 constexpr char16_t kPackageEnding[] = u".ktr";
+// A recorder that was killed leaves a worker behind that lets go of the package a moment later.
+constexpr std::int32_t kLetGoMs = 2000;
+constexpr std::int32_t kLookAgainMs = 50;
+
+bool IsInUse(const support::Context& c, host::IPackageInspector& inspector, const String& package) {
+    for (std::int32_t waited = 0;; waited += kLookAgainMs) {
+        if (inspector.Inspect(package, false, {}).state != host::PackageState::Recording) return false;
+        if (waited >= kLetGoMs) return true;
+        c.host.loop.Sleep(kLookAgainMs);
+    }
+}
 
 }  // namespace
 
@@ -22,7 +35,7 @@ void RefuseUnlessPackage(const support::Context& c, host::IPackageInspector& ins
         sentence = Sentence(c, u"msgNoPackage", u"There is no package \"%s1\".", {package});
     } else if (c.host.ksLib.GetFileFormatVersion(package) == 0) {
         sentence = Sentence(c, u"msgNotAPackage", u"\"%s1\" is not a Kestrum package.", {package});
-    } else if (inspector.Inspect(package, false, {}).state == host::PackageState::Recording) {
+    } else if (IsInUse(c, inspector, package)) {
         sentence =
             Sentence(c, u"msgInUse",
                      u"\"%s1\" is being recorded or written at the moment; try again when that has ended.", {package});

@@ -9,8 +9,8 @@ namespace kestrum::app {
 /// The package that the user means: the one named, or the one beside the deck named.
 String PackageOf(const String& source);
 
-/// Throws host::Error with a sentence unless `package` is a package of ours that nobody records or writes at the
-/// moment. `source` names the thrower.
+/// Throws host::Error with a sentence unless `package` is a package of ours that nobody records or writes; waits
+/// 2 s for one in use. `source` names the thrower.
 void RefuseUnlessPackage(const support::Context& c, host::IPackageInspector& inspector, const String& package,
                          const String& source);
 
